@@ -1,0 +1,487 @@
+#include "ScenarioParser.h"
+
+#include <unicode/unistr.h>
+
+#include <charconv>
+#include <map>
+#include <set>
+#include <stdexcept>
+
+#include "KeyNameTable.h"
+#include "preferences/SwitcherPreferencesCodec.h"
+
+namespace orvane::simulator {
+
+namespace {
+
+// A malformed line; caught once per line and turned into the parser's answer.
+struct LineError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+struct Token {
+    std::string name;  // empty for a positional token
+    std::string value;
+};
+
+void appendUtf8(std::string& output, char32_t scalar) {
+    if (scalar < 0x80) {
+        output.push_back(static_cast<char>(scalar));
+    } else if (scalar < 0x800) {
+        output.push_back(static_cast<char>(0xC0 | (scalar >> 6)));
+        output.push_back(static_cast<char>(0x80 | (scalar & 0x3F)));
+    } else if (scalar < 0x10000) {
+        output.push_back(static_cast<char>(0xE0 | (scalar >> 12)));
+        output.push_back(static_cast<char>(0x80 | ((scalar >> 6) & 0x3F)));
+        output.push_back(static_cast<char>(0x80 | (scalar & 0x3F)));
+    } else {
+        output.push_back(static_cast<char>(0xF0 | (scalar >> 18)));
+        output.push_back(static_cast<char>(0x80 | ((scalar >> 12) & 0x3F)));
+        output.push_back(static_cast<char>(0x80 | ((scalar >> 6) & 0x3F)));
+        output.push_back(static_cast<char>(0x80 | (scalar & 0x3F)));
+    }
+}
+
+std::string readQuoted(std::string_view line, std::size_t& position) {
+    std::string value;
+    ++position;  // the opening quote
+    while (position < line.size()) {
+        char character = line[position++];
+        if (character == '"') {
+            return value;
+        }
+        if (character != '\\') {
+            value.push_back(character);
+            continue;
+        }
+        if (position >= line.size()) {
+            break;
+        }
+        char escaped = line[position++];
+        switch (escaped) {
+            case '"':
+            case '\\':
+                value.push_back(escaped);
+                break;
+            case 'n':
+                value.push_back('\n');
+                break;
+            case 't':
+                value.push_back('\t');
+                break;
+            case 'u': {
+                if (position >= line.size() || line[position] != '{') {
+                    throw LineError("\\u must be followed by {hex digits}");
+                }
+                auto close = line.find('}', position);
+                if (close == std::string_view::npos) {
+                    throw LineError("unterminated \\u{...} escape");
+                }
+                auto digits = line.substr(position + 1, close - position - 1);
+                std::uint32_t scalar = 0;
+                auto [end, error] =
+                    std::from_chars(digits.data(), digits.data() + digits.size(), scalar, 16);
+                if (digits.empty() || error != std::errc{} ||
+                    end != digits.data() + digits.size() || scalar > 0x10FFFF ||
+                    (scalar >= 0xD800 && scalar <= 0xDFFF)) {
+                    throw LineError("\\u{" + std::string(digits) + "} is no Unicode scalar value");
+                }
+                appendUtf8(value, scalar);
+                position = close + 1;
+                break;
+            }
+            default:
+                throw LineError(std::string("unknown escape \\") + escaped);
+        }
+    }
+    throw LineError("unterminated quoted text");
+}
+
+std::vector<Token> tokenize(std::string_view line) {
+    std::vector<Token> tokens;
+    std::size_t position = 0;
+    while (true) {
+        while (position < line.size() && (line[position] == ' ' || line[position] == '\t')) {
+            ++position;
+        }
+        if (position >= line.size() || line[position] == '#') {
+            return tokens;
+        }
+        Token token;
+        if (line[position] == '"') {
+            token.value = readQuoted(line, position);
+        } else {
+            std::size_t start = position;
+            while (position < line.size() && line[position] != ' ' && line[position] != '\t' &&
+                   line[position] != '=' && line[position] != '"') {
+                ++position;
+            }
+            std::string word(line.substr(start, position - start));
+            if (position < line.size() && line[position] == '=') {
+                ++position;
+                token.name = word;
+                if (position < line.size() && line[position] == '"') {
+                    token.value = readQuoted(line, position);
+                } else {
+                    std::size_t valueStart = position;
+                    while (position < line.size() && line[position] != ' ' &&
+                           line[position] != '\t') {
+                        ++position;
+                    }
+                    token.value = std::string(line.substr(valueStart, position - valueStart));
+                }
+            } else if (position < line.size() && line[position] == '"') {
+                throw LineError("a quote may only open a value: \"" + word + "\"");
+            } else {
+                token.value = word;
+            }
+        }
+        if (position < line.size() && line[position] != ' ' && line[position] != '\t') {
+            throw LineError("expected a space after \"" + token.value + "\"");
+        }
+        tokens.push_back(std::move(token));
+    }
+}
+
+template <typename Integer>
+Integer parseInteger(const std::string& text, std::string_view what) {
+    Integer value{};
+    auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (text.empty() || error != std::errc{} || end != text.data() + text.size()) {
+        throw LineError(std::string(what) + " must be an integer in range, not \"" + text + "\"");
+    }
+    return value;
+}
+
+double parseNumber(const std::string& text, std::string_view what) {
+    double value = 0;
+    auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (text.empty() || error != std::errc{} || end != text.data() + text.size()) {
+        throw LineError(std::string(what) + " must be a number, not \"" + text + "\"");
+    }
+    return value;
+}
+
+Rect parseFrame(const std::string& text) {
+    std::vector<double> numbers;
+    std::size_t start = 0;
+    while (start <= text.size()) {
+        auto comma = text.find(',', start);
+        if (comma == std::string::npos) {
+            comma = text.size();
+        }
+        numbers.push_back(parseNumber(text.substr(start, comma - start), "frame"));
+        start = comma + 1;
+    }
+    if (numbers.size() != 4 || numbers[2] < 0 || numbers[3] < 0) {
+        throw LineError("frame must be x,y,width,height with a width and height of 0 or more");
+    }
+    return Rect{{numbers[0], numbers[1]}, {numbers[2], numbers[3]}};
+}
+
+KeyboardEventFlags parseModifierNames(const std::vector<std::string>& names) {
+    KeyboardEventFlags flags = 0;
+    for (const auto& name : names) {
+        if (name == "none") {
+            continue;
+        }
+        if (name == "shift") {
+            flags |= keyboard_event_flag::shift;
+        } else if (name == "control") {
+            flags |= keyboard_event_flag::control;
+        } else if (name == "option") {
+            flags |= keyboard_event_flag::option;
+        } else if (name == "command") {
+            flags |= keyboard_event_flag::command;
+        } else {
+            throw LineError("unknown modifier \"" + name +
+                            "\" (expected shift, control, option, command or none)");
+        }
+    }
+    return flags;
+}
+
+std::vector<std::string> splitOn(const std::string& text, char separator) {
+    std::vector<std::string> parts;
+    std::size_t start = 0;
+    while (start <= text.size()) {
+        auto end = text.find(separator, start);
+        if (end == std::string::npos) {
+            end = text.size();
+        }
+        parts.push_back(text.substr(start, end - start));
+        start = end + 1;
+    }
+    return parts;
+}
+
+std::string describeFlags(KeyboardEventFlags flags) {
+    std::string names;
+    auto add = [&](KeyboardEventFlags mask, const char* name) {
+        if ((flags & mask) != 0) {
+            names += names.empty() ? "" : "+";
+            names += name;
+        }
+    };
+    add(keyboard_event_flag::control, "control");
+    add(keyboard_event_flag::option, "option");
+    add(keyboard_event_flag::shift, "shift");
+    add(keyboard_event_flag::command, "command");
+    return names.empty() ? "none" : names;
+}
+
+// The attributes of one directive: each may be given once, and every one given must be known.
+class Attributes {
+  public:
+    Attributes(const std::vector<Token>& tokens, std::set<std::string> known)
+        : known_(std::move(known)) {
+        for (std::size_t index = 1; index < tokens.size(); ++index) {
+            const auto& token = tokens[index];
+            if (token.name.empty()) {
+                positional_.push_back(token.value);
+                continue;
+            }
+            if (!known_.contains(token.name)) {
+                throw LineError("unknown attribute \"" + token.name + "\" for \"" +
+                                tokens.front().value + "\"");
+            }
+            if (!named_.emplace(token.name, token.value).second) {
+                throw LineError("attribute \"" + token.name + "\" given twice");
+            }
+        }
+    }
+
+    const std::vector<std::string>& positional() const { return positional_; }
+    const std::string* find(const std::string& name) const {
+        auto found = named_.find(name);
+        return found == named_.end() ? nullptr : &found->second;
+    }
+    const std::string& require(const std::string& name, const std::string& directive) const {
+        if (const auto* value = find(name)) {
+            return *value;
+        }
+        throw LineError("\"" + directive + "\" needs " + name + "=");
+    }
+
+  private:
+    std::set<std::string> known_;
+    std::vector<std::string> positional_;
+    std::map<std::string, std::string> named_;
+};
+
+std::u16string toUtf16(const std::string& text) {
+    auto unicode = icu::UnicodeString::fromUTF8(text);
+    return std::u16string(unicode.getBuffer(), static_cast<std::size_t>(unicode.length()));
+}
+
+class LineParser {
+  public:
+    std::optional<ScenarioStep::Action> parse(std::string_view line) {
+        auto firstWord = line.find_first_not_of(" \t");
+        if (firstWord != std::string_view::npos &&
+            line.substr(firstWord).starts_with("preferences")) {
+            auto rest = line.substr(firstWord + std::string_view("preferences").size());
+            if (rest.empty() || rest.front() == ' ' || rest.front() == '\t') {
+                return parsePreferences(rest);
+            }
+        }
+        auto tokens = tokenize(line);
+        if (tokens.empty()) {
+            return std::nullopt;
+        }
+        const auto& directive = tokens.front();
+        if (!directive.name.empty()) {
+            throw LineError("a line starts with a directive, not \"" + directive.name + "=\"");
+        }
+        const std::string& word = directive.value;
+        if (word == "window") {
+            return parseWindow(tokens);
+        }
+        if (word == "frontmost") {
+            return parseFrontmost(tokens);
+        }
+        if (word == "flags") {
+            return parseFlags(tokens);
+        }
+        if (word == "down" || word == "up") {
+            return parseKey(
+                tokens, word == "down" ? keyboard_event_type::keyDown : keyboard_event_type::keyUp);
+        }
+        if (word == "note") {
+            Attributes attributes(tokens, {});
+            if (attributes.positional().size() != 1) {
+                throw LineError("\"note\" takes one quoted text");
+            }
+            return NoteStep{attributes.positional().front()};
+        }
+        throw LineError("unknown directive \"" + word + "\"");
+    }
+
+    // `tap` is two steps; the caller asks for the key-up after the key-down.
+    static bool isTap(std::string_view line) {
+        auto start = line.find_first_not_of(" \t");
+        if (start == std::string_view::npos) {
+            return false;
+        }
+        auto word = line.substr(start);
+        return word.starts_with("tap") &&
+               (word.size() == 3 || word[3] == ' ' || word[3] == '\t' || word[3] == '#');
+    }
+
+    std::vector<ScenarioStep::Action> parseTap(std::string_view line) {
+        auto tokens = tokenize(line);
+        tokens.front().value = "down";
+        auto down = parseKey(tokens, keyboard_event_type::keyDown);
+        auto up = std::get<KeyEventStep>(down);
+        up.type = keyboard_event_type::keyUp;
+        up.isAutorepeat = false;
+        up.typedText.clear();
+        up.description = "up " + up.description.substr(std::string_view("down ").size());
+        return {down, up};
+    }
+
+  private:
+    ScenarioStep::Action parseWindow(const std::vector<Token>& tokens) {
+        Attributes attributes(tokens, {"id", "pid", "app", "title", "frame"});
+        AddWindowStep step;
+        step.windowIdentifier =
+            parseInteger<WindowIdentifier>(attributes.require("id", "window"), "id");
+        step.processIdentifier =
+            parseInteger<ProcessIdentifier>(attributes.require("pid", "window"), "pid");
+        step.applicationName = attributes.require("app", "window");
+        if (const auto* title = attributes.find("title")) {
+            step.title = *title;
+        }
+        step.frame = Rect{{0, 0}, {800, 600}};
+        if (const auto* frame = attributes.find("frame")) {
+            step.frame = parseFrame(*frame);
+        }
+        for (const auto& flag : attributes.positional()) {
+            if (flag != "minimized") {
+                throw LineError("unknown window flag \"" + flag + "\" (expected minimized)");
+            }
+            step.isMinimized = true;
+        }
+        if (!windowIdentifiers_.insert(step.windowIdentifier).second) {
+            throw LineError("window " + std::to_string(step.windowIdentifier) +
+                            " is already on the desktop");
+        }
+        return step;
+    }
+
+    ScenarioStep::Action parseFrontmost(const std::vector<Token>& tokens) {
+        Attributes attributes(tokens, {"pid"});
+        if (attributes.positional() == std::vector<std::string>{"none"} &&
+            attributes.find("pid") == nullptr) {
+            return SetFrontmostStep{std::nullopt};
+        }
+        if (!attributes.positional().empty()) {
+            throw LineError("\"frontmost\" takes pid=N or none");
+        }
+        return SetFrontmostStep{
+            parseInteger<ProcessIdentifier>(attributes.require("pid", "frontmost"), "pid")};
+    }
+
+    ScenarioStep::Action parseFlags(const std::vector<Token>& tokens) {
+        Attributes attributes(tokens, {});
+        if (attributes.positional().empty()) {
+            throw LineError("\"flags\" lists the modifiers held (or none)");
+        }
+        heldFlags_ = parseModifierNames(attributes.positional());
+        KeyEventStep step;
+        step.type = keyboard_event_type::flagsChanged;
+        step.flags = heldFlags_;
+        step.description = "flags " + describeFlags(heldFlags_);
+        return step;
+    }
+
+    ScenarioStep::Action parseKey(const std::vector<Token>& tokens, KeyboardEventType type) {
+        Attributes attributes(tokens, {"flags", "text"});
+        const auto& directive = tokens.front().value;
+        if (attributes.positional().empty()) {
+            throw LineError("\"" + directive + "\" needs a key name or key code");
+        }
+        auto key = KeyNameTable::lookUp(attributes.positional().front());
+        if (!key) {
+            throw LineError("unknown key \"" + attributes.positional().front() + "\"");
+        }
+        KeyEventStep step;
+        step.type = type;
+        step.keyCode = key->keyCode;
+        step.flags = heldFlags_;
+        if (const auto* flags = attributes.find("flags")) {
+            step.flags = parseModifierNames(splitOn(*flags, ','));
+        }
+        for (std::size_t index = 1; index < attributes.positional().size(); ++index) {
+            const auto& flag = attributes.positional()[index];
+            if (flag != "repeat" || type != keyboard_event_type::keyDown) {
+                throw LineError("unknown key flag \"" + flag + "\"" +
+                                (type == keyboard_event_type::keyDown ? " (expected repeat)" : ""));
+            }
+            step.isAutorepeat = true;
+        }
+        if (type == keyboard_event_type::keyDown) {
+            const bool shifted = (step.flags & keyboard_event_flag::shift) != 0;
+            step.typedText = shifted ? key->shiftedText : key->text;
+            if (const auto* text = attributes.find("text")) {
+                step.typedText = toUtf16(*text);
+            }
+        } else if (attributes.find("text") != nullptr) {
+            throw LineError("a key-up types no text");
+        }
+        step.description = directive + " " + KeyNameTable::nameOf(step.keyCode) + " (" +
+                           std::to_string(step.keyCode) + ") flags " + describeFlags(step.flags) +
+                           (step.isAutorepeat ? " repeat" : "");
+        return step;
+    }
+
+    ScenarioStep::Action parsePreferences(std::string_view json) {
+        auto decoded = SwitcherPreferencesCodec::decode(json);
+        if (!decoded.preferences) {
+            throw LineError("preferences record rejected: " + decoded.error);
+        }
+        return SetPreferencesStep{*decoded.preferences};
+    }
+
+    KeyboardEventFlags heldFlags_ = 0;
+    std::set<WindowIdentifier> windowIdentifiers_;
+};
+
+}  // namespace
+
+ScenarioParser::Result ScenarioParser::parse(std::string_view text) {
+    Result result;
+    Scenario scenario;
+    LineParser parser;
+    int lineNumber = 0;
+    std::size_t start = 0;
+    while (start < text.size()) {
+        auto end = text.find('\n', start);
+        if (end == std::string_view::npos) {
+            end = text.size();
+        }
+        auto line = text.substr(start, end - start);
+        if (!line.empty() && line.back() == '\r') {
+            line.remove_suffix(1);
+        }
+        start = end + 1;
+        ++lineNumber;
+        try {
+            if (LineParser::isTap(line)) {
+                for (auto& action : parser.parseTap(line)) {
+                    scenario.steps.push_back({lineNumber, std::move(action)});
+                }
+            } else if (auto action = parser.parse(line)) {
+                scenario.steps.push_back({lineNumber, std::move(*action)});
+            }
+        } catch (const LineError& error) {
+            result.errorLine = lineNumber;
+            result.errorMessage = error.what();
+            return result;
+        }
+    }
+    result.scenario = std::move(scenario);
+    return result;
+}
+
+}  // namespace orvane::simulator

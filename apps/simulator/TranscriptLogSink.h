@@ -1,0 +1,21 @@
+// Writes the program's log lines into the transcript as they happen, from a minimum level up.
+#pragma once
+
+#include "Transcript.h"
+#include "core/LogSink.h"
+
+namespace orvane::simulator {
+
+class TranscriptLogSink final : public LogSink {
+  public:
+    TranscriptLogSink(Transcript& transcript, LogLevel minimumLevel)
+        : transcript_(transcript), minimumLevel_(minimumLevel) {}
+
+    void write(const LogRecord& record) override;
+
+  private:
+    Transcript& transcript_;
+    LogLevel minimumLevel_;
+};
+
+}  // namespace orvane::simulator

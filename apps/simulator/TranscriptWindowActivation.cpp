@@ -1,0 +1,11 @@
+#include "TranscriptWindowActivation.h"
+
+#include "WindowDescription.h"
+
+namespace orvane::simulator {
+
+void TranscriptWindowActivation::activate(const SwitchableWindow& window) {
+    transcript_.effect("activate", describeWindow(window));
+}
+
+}  // namespace orvane::simulator

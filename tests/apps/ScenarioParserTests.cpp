@@ -1,0 +1,165 @@
+// The scenario reader: what a line means, and the line number and reason of every malformed line.
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "simulator/ScenarioParser.h"
+
+namespace orvane::simulator {
+namespace {
+
+const KeyEventStep& keyEventAt(const Scenario& scenario, std::size_t index) {
+    return std::get<KeyEventStep>(scenario.steps.at(index).action);
+}
+
+TEST(ScenarioParser, KeyEventsCarryTheHeldModifiersAndTheirText) {
+    auto parsed = ScenarioParser::parse(
+        "flags option shift\n"
+        "tap a\n"
+        "down e text=\"e\\u{301}\" repeat\n"
+        "down 48 flags=control\n"
+        "flags none\n"
+        "down b\n");
+    ASSERT_TRUE(parsed.scenario) << parsed.errorMessage;
+    const auto& steps = parsed.scenario->steps;
+    ASSERT_EQ(steps.size(), 7u);
+
+    EXPECT_EQ(keyEventAt(*parsed.scenario, 0).type, keyboard_event_type::flagsChanged);
+    EXPECT_EQ(keyEventAt(*parsed.scenario, 0).flags,
+              keyboard_event_flag::option | keyboard_event_flag::shift);
+
+    const auto& tapDown = keyEventAt(*parsed.scenario, 1);
+    const auto& tapUp = keyEventAt(*parsed.scenario, 2);
+    EXPECT_EQ(tapDown.type, keyboard_event_type::keyDown);
+    EXPECT_EQ(tapDown.keyCode, 0);
+    EXPECT_EQ(tapDown.typedText, u"A");
+    EXPECT_EQ(tapUp.type, keyboard_event_type::keyUp);
+    EXPECT_EQ(tapUp.flags, tapDown.flags);
+    EXPECT_TRUE(tapUp.typedText.empty());
+    EXPECT_EQ(steps[1].lineNumber, 2);
+    EXPECT_EQ(steps[2].lineNumber, 2);
+
+    const auto& accented = keyEventAt(*parsed.scenario, 3);
+    EXPECT_EQ(accented.typedText, u"e\u0301");
+    EXPECT_TRUE(accented.isAutorepeat);
+
+    const auto& explicitFlags = keyEventAt(*parsed.scenario, 4);
+    EXPECT_EQ(explicitFlags.keyCode, 48);
+    EXPECT_EQ(explicitFlags.flags, keyboard_event_flag::control);
+
+    EXPECT_EQ(keyEventAt(*parsed.scenario, 6).flags, 0u);
+    EXPECT_EQ(keyEventAt(*parsed.scenario, 6).typedText, u"b");
+}
+
+TEST(ScenarioParser, DesktopDirectives) {
+    auto parsed = ScenarioParser::parse(
+        "  # a comment line\n"
+        "window id=5 pid=9 app=\"Text Edit\" title=\"a \\\"b\\\"\" frame=1,2,3,4 minimized\r\n"
+        "\n"
+        "frontmost none\n"
+        "frontmost pid=9 # trailing comment\n"
+        "preferences {\"cardSize\":\"large\"}\n"
+        "note \"hello\"\n");
+    ASSERT_TRUE(parsed.scenario) << parsed.errorMessage;
+    const auto& steps = parsed.scenario->steps;
+    ASSERT_EQ(steps.size(), 5u);
+    const auto& window = std::get<AddWindowStep>(steps[0].action);
+    EXPECT_EQ(steps[0].lineNumber, 2);
+    EXPECT_EQ(window.windowIdentifier, 5u);
+    EXPECT_EQ(window.processIdentifier, 9);
+    EXPECT_EQ(window.applicationName, "Text Edit");
+    EXPECT_EQ(window.title, "a \"b\"");
+    EXPECT_EQ(window.frame, (Rect{{1, 2}, {3, 4}}));
+    EXPECT_TRUE(window.isMinimized);
+    EXPECT_FALSE(std::get<SetFrontmostStep>(steps[1].action).processIdentifier);
+    EXPECT_EQ(std::get<SetFrontmostStep>(steps[2].action).processIdentifier, 9);
+    EXPECT_EQ(std::get<SetPreferencesStep>(steps[3].action).preferences.cardSize,
+              SwitcherCardSize::large);
+    EXPECT_EQ(std::get<NoteStep>(steps[4].action).text, "hello");
+}
+
+struct MalformedCase {
+    const char* text;
+    int line;
+    const char* messagePart;
+};
+
+class MalformedScenarioTest : public testing::TestWithParam<MalformedCase> {};
+
+TEST_P(MalformedScenarioTest, NamesTheLineAndTheFault) {
+    auto parsed = ScenarioParser::parse(GetParam().text);
+    ASSERT_FALSE(parsed.scenario);
+    EXPECT_EQ(parsed.errorLine, GetParam().line);
+    EXPECT_NE(parsed.errorMessage.find(GetParam().messagePart), std::string::npos)
+        << parsed.errorMessage;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Lines, MalformedScenarioTest,
+    testing::Values(
+        MalformedCase{"flags option\nfrobnicate\n", 2, "unknown directive \"frobnicate\""},
+        MalformedCase{"tap\n", 1, "needs a key"},
+        MalformedCase{"\n\ndown hyper\n", 3, "unknown key \"hyper\""},
+        MalformedCase{"down 70000\n", 1, "unknown key"},
+        MalformedCase{"flags option meta\n", 1, "unknown modifier \"meta\""},
+        MalformedCase{"flags\n", 1, "lists the modifiers"},
+        MalformedCase{"down a flags=option,hyper\n", 1, "unknown modifier \"hyper\""},
+        MalformedCase{"up a repeat\n", 1, "unknown key flag"},
+        MalformedCase{"up a text=\"x\"\n", 1, "types no text"},
+        MalformedCase{"window pid=1 app=\"A\"\n", 1, "needs id="},
+        MalformedCase{"window id=x pid=1 app=\"A\"\n", 1, "id must be an integer"},
+        MalformedCase{"window id=4294967296 pid=1 app=\"A\"\n", 1, "id must be an integer"},
+        MalformedCase{"window id=1 pid=1 app=\"A\" colour=red\n", 1,
+                      "unknown attribute \"colour\""},
+        MalformedCase{"window id=1 pid=1 app=\"A\" id=2\n", 1, "given twice"},
+        MalformedCase{"window id=1 pid=1 app=\"A\" frame=1,2,3\n", 1, "frame must be"},
+        MalformedCase{"window id=1 pid=1 app=\"A\" frame=0,0,-5,4\n", 1, "frame must be"},
+        MalformedCase{"window id=1 pid=1 app=A\nwindow id=1 pid=2 app=B\n", 2,
+                      "already on the desktop"},
+        MalformedCase{"window id=1 pid=1 app=\"A\" hidden\n", 1, "unknown window flag"},
+        MalformedCase{"note \"unterminated\n", 1, "unterminated quoted text"},
+        MalformedCase{"note \"bad \\q escape\"\n", 1, "unknown escape"},
+        MalformedCase{"note \"\\u{D800}\"\n", 1, "no Unicode scalar value"},
+        MalformedCase{"note \"\\u{110000}\"\n", 1, "no Unicode scalar value"},
+        MalformedCase{"note one two\n", 1, "one quoted text"},
+        MalformedCase{"frontmost pid=1 extra\n", 1, "pid=N or none"},
+        MalformedCase{"preferences {\"cardSize\":\"huge\"}\n", 1, "cardSize"},
+        MalformedCase{"preferences not json\n", 1, "preferences record rejected"},
+        MalformedCase{"key=value\n", 1, "starts with a directive"}));
+
+// The driver itself: a malformed file ends it with status 1 and the line on standard error, and
+// nothing is played.
+TEST(SimulatorExecutable, MalformedScenarioExitsWithTheLineNumber) {
+    const auto directory = std::filesystem::temp_directory_path();
+    const auto scenarioPath = directory / "orvane-malformed.scenario";
+    const auto errorPath = directory / "orvane-malformed.stderr";
+    const auto outputPath = directory / "orvane-malformed.stdout";
+    {
+        std::ofstream file(scenarioPath);
+        file << "flags option\ntap tab\ndown nosuchkey\n";
+    }
+    const std::string command = std::string("'") + ORVANE_SIMULATOR_PATH + "' '" +
+                                scenarioPath.string() + "' >'" + outputPath.string() + "' 2>'" +
+                                errorPath.string() + "'";
+    const int status = std::system(command.c_str());
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 1);
+
+    std::ifstream errors(errorPath);
+    std::string line;
+    std::getline(errors, line);
+    EXPECT_EQ(line, scenarioPath.string() + ":3: error: unknown key \"nosuchkey\"");
+    EXPECT_EQ(std::filesystem::file_size(outputPath), 0u);
+    std::filesystem::remove(scenarioPath);
+    std::filesystem::remove(errorPath);
+    std::filesystem::remove(outputPath);
+}
+
+}  // namespace
+}  // namespace orvane::simulator

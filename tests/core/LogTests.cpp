@@ -1,0 +1,110 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "core/LogMessageFormatter.h"
+#include "core/Logger.h"
+#include "core/ScopedLogCapture.h"
+
+namespace orvane {
+namespace {
+
+using ::testing::ElementsAre;
+
+struct FormatCase {
+    const char* format;
+    std::vector<LogArgument> arguments;
+    const char* expected;
+};
+
+TEST(LogMessageFormatter, RendersThePlatformNotation) {
+    const FormatCase cases[] = {
+        {"event tap disabled (type %{public}u); re-enabled",
+         {4294967294u},
+         "event tap disabled (type 4294967294); re-enabled"},
+        {"app %{public}s pid %{public}d", {"Mail", std::int32_t{-12}}, "app Mail pid -12"},
+        {"offset %{public}ld", {std::int64_t{-5000000000}}, "offset -5000000000"},
+        {"granted %{bool}d denied %{bool}d", {true, false}, "granted true denied false"},
+        {"trusted %{bool,public}d", {true}, "trusted true"},
+        {"count %{bool}d", {3}, "count true"},
+        // The platform's printf narrows to the conversion's width.
+        {"byte %{public}hhu", {300}, "byte 44"},
+        {"short %hd", {70000}, "short 4464"},
+        {"wrapped %d", {4294967294u}, "wrapped -2"},
+        {"plain %u %d %ld %s",
+         {7u, -7, std::int64_t{1} << 40, "text"},
+         "plain 7 -7 1099511627776 text"},
+        {"100%% of %d", {3}, "100% of 3"},
+        {"%s and %s", {"one"}, "one and <missing>"},
+        {"%d then %{public}s", {}, "<missing> then <missing>"},
+        {"odd %q then %d", {5}, "odd %q then 5"},
+        {"open %{public", {1}, "open %{public"},
+        {"tail %", {}, "tail %"},
+    };
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.format);
+        EXPECT_EQ(LogMessageFormatter::format(each.format, each.arguments), each.expected);
+    }
+}
+
+TEST(Logger, WritesOneRecordWithSubsystemCategoryAndLevel) {
+    ScopedLogCapture capture;
+    Logger::forCategory(LogCategory::shortcutinterception)
+        .error("event tap disabled (type %{public}u); re-enabled", 4294967294u);
+    Logger::forCategory(LogCategory::permission).debug("trusted %{bool}d", false);
+    Logger::forCategory(LogCategory::overlay).info("cards %{public}ld", std::ptrdiff_t{3});
+
+    const auto records = capture.sink().records();
+    ASSERT_EQ(records.size(), 3u);
+    EXPECT_EQ(records[0].subsystem, "brimcote.orvane");
+    EXPECT_EQ(records[0].category, LogCategory::shortcutinterception);
+    EXPECT_EQ(records[0].level, LogLevel::error);
+    EXPECT_EQ(records[0].message, "event tap disabled (type 4294967294); re-enabled");
+    EXPECT_EQ(records[1].category, LogCategory::permission);
+    EXPECT_EQ(records[1].level, LogLevel::debug);
+    EXPECT_EQ(records[1].message, "trusted false");
+    EXPECT_EQ(records[2].category, LogCategory::overlay);
+    EXPECT_EQ(records[2].level, LogLevel::info);
+    EXPECT_THAT(capture.sink().messages(LogCategory::overlay), ElementsAre("cards 3"));
+}
+
+TEST(Logger, EachCategoryHasOneSharedLoggerOfThatCategory) {
+    constexpr LogCategory all[] = {
+        LogCategory::lifecycle,
+        LogCategory::windowenumeration,
+        LogCategory::recencytracking,
+        LogCategory::windowactivation,
+        LogCategory::shortcutinterception,
+        LogCategory::overlay,
+        LogCategory::thumbnailcapture,
+        LogCategory::launcher,
+        LogCategory::permission,
+        LogCategory::softwareupdates,
+        LogCategory::diagnostics,
+        LogCategory::preferences,
+    };
+    for (auto category : all) {
+        SCOPED_TRACE(std::string(logCategoryName(category)));
+        EXPECT_EQ(&Logger::forCategory(category), &Logger::forCategory(category));
+        EXPECT_EQ(Logger::forCategory(category).category(), category);
+    }
+}
+
+TEST(ScopedLogCapture, NestedCaptureHandsTheLogBackWhenItEnds) {
+    ScopedLogCapture outer;
+    const auto& log = Logger::forCategory(LogCategory::lifecycle);
+    log.info("before");
+    {
+        ScopedLogCapture inner;
+        log.info("during");
+        EXPECT_THAT(inner.sink().messages(), ElementsAre("during"));
+    }
+    log.info("after");
+    EXPECT_THAT(outer.sink().messages(), ElementsAre("before", "after"));
+}
+
+}  // namespace
+}  // namespace orvane
