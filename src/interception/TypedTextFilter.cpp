@@ -10,14 +10,12 @@ namespace orvane {
 
 namespace {
 
-bool isControlOrBrokenScalar(UChar32 scalar) {
-    // Half a surrogate pair, cut off by the length limit, is no character at all.
-    return scalar < 32 || scalar == 127 || U_IS_SURROGATE(scalar);
-}
-
-// Only as a character's first scalar: a dead-key accent or a stray mark. After a base they are
-// part of a real character (e + U+0301, VS16, skin tones, Indic vowel signs).
-bool isModifierOrMark(UChar32 scalar) {
+// A character with any such scalar goes whole: controls, and the accents and modifiers a dead key
+// types on its own. Half a surrogate pair, cut off by the length limit, is no character at all.
+bool isDroppedScalar(UChar32 scalar) {
+    if (scalar < 32 || scalar == 127 || U_IS_SURROGATE(scalar)) {
+        return true;
+    }
     switch (u_charType(scalar)) {
         case U_MODIFIER_LETTER:
         case U_NON_SPACING_MARK:
@@ -56,12 +54,9 @@ std::string TypedTextFilter::filter(std::u16string_view typed) {
     const icu::UnicodeString text(false, typed.data(), static_cast<int32_t>(typed.size()));
 
     auto keepRange = [&](int32_t start, int32_t end) {
-        if (isModifierOrMark(text.char32At(start))) {
-            return;
-        }
         for (int32_t index = start; index < end;) {
             const UChar32 scalar = text.char32At(index);
-            if (isControlOrBrokenScalar(scalar)) {
+            if (isDroppedScalar(scalar)) {
                 return;
             }
             index += U16_LENGTH(scalar);
