@@ -3,30 +3,66 @@
 
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <string>
 #include <variant>
 #include <vector>
 
-#include "core/Geometry.h"
-#include "core/Identifiers.h"
+#include "core/LogRecord.h"
 #include "platform/KeyboardEvent.h"
+#include "platform/simulated/SimulatedApplication.h"
+#include "platform/simulated/SimulatedWindow.h"
 #include "preferences/SwitcherPreferences.h"
 
 namespace orvane::simulator {
 
-// Puts a window on the desktop; the enumeration lists windows in the order they were added.
-struct AddWindowStep {
-    WindowIdentifier windowIdentifier = 0;
+// Starts an application on the desktop.
+struct LaunchStep {
+    SimulatedApplication application;
+};
+
+// Ends an application and its windows.
+struct QuitStep {
     ProcessIdentifier processIdentifier = 0;
-    std::string applicationName;
-    std::string title;
-    bool isMinimized = false;
-    Rect frame;
+};
+
+// Puts a window on the desktop: behind the windows there (a listing, front to back) or in front of
+// them (a window that opens). Its application is started first when it isn't running.
+struct AddWindowStep {
+    SimulatedWindow window;
+    bool inFront = false;
+    // For a window whose application isn't running yet.
+    std::optional<std::string> applicationName;
+};
+
+struct DestroyWindowStep {
+    WindowIdentifier windowIdentifier = 0;
+};
+
+struct MinimizeWindowStep {
+    WindowIdentifier windowIdentifier = 0;
+    bool minimized = true;
+};
+
+// The user clicks a window: its application comes forward with it focused.
+struct FocusWindowStep {
+    WindowIdentifier windowIdentifier = 0;
 };
 
 // Makes a process frontmost, or none.
 struct SetFrontmostStep {
     std::optional<ProcessIdentifier> processIdentifier;
+};
+
+// Moves virtual time forward, running the timers that fall due.
+struct AdvanceClockStep {
+    double seconds = 0;
+};
+
+// Fault knobs of the window list.
+struct WindowListFaultStep {
+    std::set<std::uint32_t> failingOptions;
+    bool malformed = false;
 };
 
 // Replaces the live preferences record.
@@ -45,6 +81,17 @@ struct KeyEventStep {
     std::string description;
 };
 
+// Prints something of the program's state into the transcript.
+struct PrintStep {
+    enum class Subject { desktop };
+    Subject subject = Subject::desktop;
+};
+
+// Sets which log lines reach the transcript from here on.
+struct LogLevelStep {
+    LogLevel minimumLevel = LogLevel::info;
+};
+
 // A line of prose copied into the transcript.
 struct NoteStep {
     std::string text;
@@ -52,7 +99,9 @@ struct NoteStep {
 
 struct ScenarioStep {
     using Action =
-        std::variant<AddWindowStep, SetFrontmostStep, SetPreferencesStep, KeyEventStep, NoteStep>;
+        std::variant<LaunchStep, QuitStep, AddWindowStep, DestroyWindowStep, MinimizeWindowStep,
+                     FocusWindowStep, SetFrontmostStep, AdvanceClockStep, WindowListFaultStep,
+                     SetPreferencesStep, KeyEventStep, PrintStep, LogLevelStep, NoteStep>;
     int lineNumber = 0;
     Action action;
 };

@@ -294,11 +294,44 @@ class LineParser {
             throw LineError("a line starts with a directive, not \"" + directive.name + "=\"");
         }
         const std::string& word = directive.value;
-        if (word == "window") {
-            return parseWindow(tokens);
+        if (word == "launch") {
+            return parseLaunch(tokens);
+        }
+        if (word == "quit") {
+            return parseQuit(tokens);
+        }
+        if (word == "window" || word == "create") {
+            return parseWindow(tokens, word == "create");
+        }
+        if (word == "focus") {
+            return FocusWindowStep{parseWindowTarget(tokens)};
+        }
+        if (word == "destroy") {
+            auto identifier = parseWindowTarget(tokens);
+            windowOwners_.erase(identifier);
+            return DestroyWindowStep{identifier};
+        }
+        if (word == "minimize" || word == "unminimize") {
+            return MinimizeWindowStep{parseWindowTarget(tokens), word == "minimize"};
         }
         if (word == "frontmost") {
             return parseFrontmost(tokens);
+        }
+        if (word == "advance") {
+            return parseAdvance(tokens);
+        }
+        if (word == "window-list") {
+            return parseWindowListFault(tokens);
+        }
+        if (word == "print") {
+            Attributes attributes(tokens, {});
+            if (attributes.positional() != std::vector<std::string>{"desktop"}) {
+                throw LineError("\"print\" takes what to print: desktop");
+            }
+            return PrintStep{PrintStep::Subject::desktop};
+        }
+        if (word == "log-level") {
+            return parseLogLevel(tokens);
         }
         if (word == "flags") {
             return parseFlags(tokens);
@@ -341,32 +374,175 @@ class LineParser {
     }
 
   private:
-    ScenarioStep::Action parseWindow(const std::vector<Token>& tokens) {
-        Attributes attributes(tokens, {"id", "pid", "app", "title", "frame"});
-        AddWindowStep step;
-        step.windowIdentifier =
-            parseInteger<WindowIdentifier>(attributes.require("id", "window"), "id");
-        step.processIdentifier =
-            parseInteger<ProcessIdentifier>(attributes.require("pid", "window"), "pid");
-        step.applicationName = attributes.require("app", "window");
-        if (const auto* title = attributes.find("title")) {
-            step.title = *title;
+    ScenarioStep::Action parseLaunch(const std::vector<Token>& tokens) {
+        Attributes attributes(tokens, {"pid", "name", "policy", "bundle", "refuses-accessibility",
+                                       "accessibility-delay", "refuse-notifications"});
+        LaunchStep step;
+        auto& running = step.application.runningApplication;
+        running.processIdentifier =
+            parseInteger<ProcessIdentifier>(attributes.require("pid", "launch"), "pid");
+        if (const auto* name = attributes.find("name")) {
+            running.localizedName = *name;
         }
-        step.frame = Rect{{0, 0}, {800, 600}};
-        if (const auto* frame = attributes.find("frame")) {
-            step.frame = parseFrame(*frame);
+        if (const auto* bundle = attributes.find("bundle")) {
+            running.bundleIdentifier = *bundle;
+        }
+        if (const auto* policy = attributes.find("policy")) {
+            if (*policy == "regular") {
+                running.activationPolicy = ApplicationActivationPolicy::regular;
+            } else if (*policy == "accessory") {
+                running.activationPolicy = ApplicationActivationPolicy::accessory;
+            } else if (*policy == "prohibited") {
+                running.activationPolicy = ApplicationActivationPolicy::prohibited;
+            } else {
+                throw LineError("policy must be regular, accessory or prohibited, not \"" +
+                                *policy + "\"");
+            }
+        }
+        if (const auto* error = attributes.find("refuses-accessibility")) {
+            step.application.windowsAttributeError =
+                parseInteger<AccessibilityError>(*error, "refuses-accessibility (an AXError)");
+        }
+        if (const auto* delay = attributes.find("accessibility-delay")) {
+            step.application.accessibilityResponseDelay =
+                parseNumber(*delay, "accessibility-delay");
+            if (step.application.accessibilityResponseDelay < 0) {
+                throw LineError("accessibility-delay must be 0 or more seconds");
+            }
+        }
+        if (const auto* names = attributes.find("refuse-notifications")) {
+            for (const auto& name : splitOn(*names, ',')) {
+                step.application.refusedNotifications.insert(name);
+            }
         }
         for (const auto& flag : attributes.positional()) {
-            if (flag != "minimized") {
-                throw LineError("unknown window flag \"" + flag + "\" (expected minimized)");
+            if (flag == "windows-not-array") {
+                step.application.windowsAttributeIsNotArray = true;
+            } else if (flag == "observer-fails") {
+                step.application.observerCreationFails = true;
+            } else if (flag == "pid-lookup-fails") {
+                step.application.processIdentifierLookupFails = true;
+            } else if (flag == "refuses-accessibility") {
+                step.application.windowsAttributeError = accessibility_error::cannotComplete;
+            } else {
+                throw LineError("unknown application flag \"" + flag +
+                                "\" (expected windows-not-array, observer-fails, "
+                                "pid-lookup-fails or refuses-accessibility)");
             }
-            step.isMinimized = true;
         }
-        if (!windowIdentifiers_.insert(step.windowIdentifier).second) {
-            throw LineError("window " + std::to_string(step.windowIdentifier) +
-                            " is already on the desktop");
+        if (!runningProcesses_.insert(running.processIdentifier).second) {
+            throw LineError("process " + std::to_string(running.processIdentifier) +
+                            " is already running");
         }
         return step;
+    }
+
+    ScenarioStep::Action parseQuit(const std::vector<Token>& tokens) {
+        Attributes attributes(tokens, {"pid"});
+        const auto process =
+            parseInteger<ProcessIdentifier>(attributes.require("pid", "quit"), "pid");
+        if (!attributes.positional().empty()) {
+            throw LineError("\"quit\" takes pid=N only");
+        }
+        if (runningProcesses_.erase(process) == 0) {
+            throw LineError("process " + std::to_string(process) + " is not running");
+        }
+        std::erase_if(windowOwners_, [&](const auto& entry) { return entry.second == process; });
+        return QuitStep{process};
+    }
+
+    ScenarioStep::Action parseWindow(const std::vector<Token>& tokens, bool inFront) {
+        const std::string directive = inFront ? "create" : "window";
+        Attributes attributes(
+            tokens, {"id", "pid", "app", "title", "list-title", "ax-title", "frame", "ax-frame",
+                     "layer", "alpha", "subrole", "wrong-type", "missing-keys"});
+        AddWindowStep step;
+        step.inFront = inFront;
+        auto& window = step.window;
+        window.windowIdentifier =
+            parseInteger<WindowIdentifier>(attributes.require("id", directive), "id");
+        window.owningProcessIdentifier =
+            parseInteger<ProcessIdentifier>(attributes.require("pid", directive), "pid");
+        if (const auto* application = attributes.find("app")) {
+            step.applicationName = *application;
+        }
+        if (const auto* title = attributes.find("title")) {
+            window.listTitle = *title;
+            window.accessibilityTitle = *title;
+        }
+        if (const auto* title = attributes.find("list-title")) {
+            window.listTitle = *title;
+        }
+        if (const auto* title = attributes.find("ax-title")) {
+            window.accessibilityTitle = *title;
+        }
+        if (const auto* frame = attributes.find("frame")) {
+            window.bounds = parseFrame(*frame);
+        }
+        if (const auto* frame = attributes.find("ax-frame")) {
+            window.accessibilityFrame = parseFrame(*frame);
+        }
+        if (const auto* layer = attributes.find("layer")) {
+            window.layer = parseInteger<std::int64_t>(*layer, "layer");
+        }
+        if (const auto* alpha = attributes.find("alpha")) {
+            window.alpha = parseNumber(*alpha, "alpha");
+        }
+        if (const auto* subrole = attributes.find("subrole")) {
+            window.subrole = *subrole == "none" ? std::nullopt : std::optional(*subrole);
+        }
+        if (const auto* names = attributes.find("wrong-type")) {
+            for (const auto& name : splitOn(*names, ',')) {
+                window.wronglyTypedAttributes.insert(name);
+            }
+        }
+        if (const auto* keys = attributes.find("missing-keys")) {
+            for (const auto& key : splitOn(*keys, ',')) {
+                window.missingWindowListKeys.insert(key);
+            }
+        }
+        for (const auto& flag : attributes.positional()) {
+            if (flag == "minimized") {
+                window.isMinimized = true;
+            } else if (flag == "offscreen") {
+                window.isOffScreen = true;
+            } else if (flag == "hidden-from-accessibility") {
+                window.isInAccessibilityTree = false;
+            } else {
+                throw LineError("unknown window flag \"" + flag +
+                                "\" (expected minimized, offscreen or hidden-from-accessibility)");
+            }
+        }
+        if (window.windowIdentifier == 0) {
+            throw LineError("window id 0 names no window");
+        }
+        if (windowOwners_.contains(window.windowIdentifier)) {
+            throw LineError("window " + std::to_string(window.windowIdentifier) +
+                            " is already on the desktop");
+        }
+        if (!runningProcesses_.contains(window.owningProcessIdentifier)) {
+            if (!step.applicationName) {
+                throw LineError("process " + std::to_string(window.owningProcessIdentifier) +
+                                " is not running; launch it first or name it with app=");
+            }
+            runningProcesses_.insert(window.owningProcessIdentifier);
+        }
+        windowOwners_.emplace(window.windowIdentifier, window.owningProcessIdentifier);
+        return step;
+    }
+
+    WindowIdentifier parseWindowTarget(const std::vector<Token>& tokens) {
+        Attributes attributes(tokens, {"id"});
+        const auto& directive = tokens.front().value;
+        const auto identifier =
+            parseInteger<WindowIdentifier>(attributes.require("id", directive), "id");
+        if (!attributes.positional().empty()) {
+            throw LineError("\"" + directive + "\" takes id=N only");
+        }
+        if (!windowOwners_.contains(identifier)) {
+            throw LineError("window " + std::to_string(identifier) + " is not on the desktop");
+        }
+        return identifier;
     }
 
     ScenarioStep::Action parseFrontmost(const std::vector<Token>& tokens) {
@@ -378,8 +554,58 @@ class LineParser {
         if (!attributes.positional().empty()) {
             throw LineError("\"frontmost\" takes pid=N or none");
         }
-        return SetFrontmostStep{
-            parseInteger<ProcessIdentifier>(attributes.require("pid", "frontmost"), "pid")};
+        const auto process =
+            parseInteger<ProcessIdentifier>(attributes.require("pid", "frontmost"), "pid");
+        if (!runningProcesses_.contains(process)) {
+            throw LineError("process " + std::to_string(process) + " is not running");
+        }
+        return SetFrontmostStep{process};
+    }
+
+    ScenarioStep::Action parseAdvance(const std::vector<Token>& tokens) {
+        Attributes attributes(tokens, {});
+        if (attributes.positional().size() != 1) {
+            throw LineError("\"advance\" takes a number of seconds");
+        }
+        const double seconds = parseNumber(attributes.positional().front(), "advance");
+        if (seconds < 0) {
+            throw LineError("time only moves forward: advance takes 0 or more seconds");
+        }
+        return AdvanceClockStep{seconds};
+    }
+
+    ScenarioStep::Action parseWindowListFault(const std::vector<Token>& tokens) {
+        Attributes attributes(tokens, {"fails"});
+        WindowListFaultStep step;
+        if (const auto* fails = attributes.find("fails"); fails != nullptr && *fails != "none") {
+            for (const auto& options : splitOn(*fails, ',')) {
+                step.failingOptions.insert(parseInteger<std::uint32_t>(options, "fails"));
+            }
+        }
+        for (const auto& flag : attributes.positional()) {
+            if (flag == "malformed") {
+                step.malformed = true;
+            } else if (flag != "well-formed") {
+                throw LineError("unknown window-list flag \"" + flag +
+                                "\" (expected malformed or well-formed)");
+            }
+        }
+        return step;
+    }
+
+    ScenarioStep::Action parseLogLevel(const std::vector<Token>& tokens) {
+        Attributes attributes(tokens, {});
+        const auto& levels = attributes.positional();
+        if (levels.size() == 1 && levels.front() == "debug") {
+            return LogLevelStep{LogLevel::debug};
+        }
+        if (levels.size() == 1 && levels.front() == "info") {
+            return LogLevelStep{LogLevel::info};
+        }
+        if (levels.size() == 1 && levels.front() == "error") {
+            return LogLevelStep{LogLevel::error};
+        }
+        throw LineError("\"log-level\" takes debug, info or error");
     }
 
     ScenarioStep::Action parseFlags(const std::vector<Token>& tokens) {
@@ -444,7 +670,10 @@ class LineParser {
     }
 
     KeyboardEventFlags heldFlags_ = 0;
-    std::set<WindowIdentifier> windowIdentifiers_;
+    // What the desktop holds at this line, so that a scenario naming what isn't there is caught
+    // before anything plays.
+    std::set<ProcessIdentifier> runningProcesses_;
+    std::map<WindowIdentifier, ProcessIdentifier> windowOwners_;
 };
 
 }  // namespace

@@ -12,6 +12,7 @@ class TranscriptLogSink final : public LogSink {
         : transcript_(transcript), minimumLevel_(minimumLevel) {}
 
     void write(const LogRecord& record) override;
+    void setMinimumLevel(LogLevel minimumLevel) { minimumLevel_ = minimumLevel; }
 
   private:
     Transcript& transcript_;

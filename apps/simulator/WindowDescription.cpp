@@ -12,4 +12,13 @@ std::string describeWindow(const SwitchableWindow& window) {
     return text;
 }
 
+std::string describeWindowList(const std::vector<SwitchableWindow>& windows) {
+    std::string identifiers;
+    for (const auto& window : windows) {
+        identifiers += identifiers.empty() ? "" : ", ";
+        identifiers += std::to_string(window.windowIdentifier);
+    }
+    return std::to_string(windows.size()) + " windows [" + identifiers + "]";
+}
+
 }  // namespace orvane::simulator

@@ -2,11 +2,14 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "core/SwitchableWindow.h"
 
 namespace orvane::simulator {
 
 std::string describeWindow(const SwitchableWindow& window);
+// "N windows [id, id, ...]".
+std::string describeWindowList(const std::vector<SwitchableWindow>& windows);
 
 }  // namespace orvane::simulator

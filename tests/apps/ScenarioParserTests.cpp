@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <set>
 #include <string>
 
 #include "simulator/ScenarioParser.h"
@@ -65,23 +66,71 @@ TEST(ScenarioParser, DesktopDirectives) {
         "frontmost none\n"
         "frontmost pid=9 # trailing comment\n"
         "preferences {\"cardSize\":\"large\"}\n"
-        "note \"hello\"\n");
-    ASSERT_TRUE(parsed.scenario) << parsed.errorMessage;
+        "note \"hello\"\n"
+        "launch pid=7 name=\"Legacy\" policy=accessory refuses-accessibility=-25211 "
+        "accessibility-delay=0.5 refuse-notifications=AXWindowCreated,AXUIElementDestroyed "
+        "observer-fails pid-lookup-fails windows-not-array\n"
+        "create id=6 pid=7 list-title=\"L\" ax-title=\"A\" ax-frame=0,0,50,50 layer=3 "
+        "alpha=0.5 subrole=none wrong-type=AXSize missing-keys=kCGWindowAlpha offscreen "
+        "hidden-from-accessibility\n"
+        "focus id=6\nminimize id=5\nunminimize id=5\ndestroy id=6\nquit pid=7\n"
+        "advance 2.5\nwindow-list fails=17,16 malformed\nprint desktop\nlog-level debug\n");
+    ASSERT_TRUE(parsed.scenario) << parsed.errorLine << ": " << parsed.errorMessage;
     const auto& steps = parsed.scenario->steps;
-    ASSERT_EQ(steps.size(), 5u);
-    const auto& window = std::get<AddWindowStep>(steps[0].action);
+    ASSERT_EQ(steps.size(), 16u);
+    const auto& listed = std::get<AddWindowStep>(steps[0].action);
     EXPECT_EQ(steps[0].lineNumber, 2);
-    EXPECT_EQ(window.windowIdentifier, 5u);
-    EXPECT_EQ(window.processIdentifier, 9);
-    EXPECT_EQ(window.applicationName, "Text Edit");
-    EXPECT_EQ(window.title, "a \"b\"");
-    EXPECT_EQ(window.frame, (Rect{{1, 2}, {3, 4}}));
-    EXPECT_TRUE(window.isMinimized);
+    EXPECT_FALSE(listed.inFront);
+    EXPECT_EQ(listed.applicationName, "Text Edit");
+    EXPECT_EQ(listed.window.windowIdentifier, 5u);
+    EXPECT_EQ(listed.window.owningProcessIdentifier, 9);
+    EXPECT_EQ(listed.window.listTitle, "a \"b\"");
+    EXPECT_EQ(listed.window.accessibilityTitle, "a \"b\"");
+    EXPECT_EQ(listed.window.bounds, (Rect{{1, 2}, {3, 4}}));
+    EXPECT_TRUE(listed.window.isMinimized);
     EXPECT_FALSE(std::get<SetFrontmostStep>(steps[1].action).processIdentifier);
     EXPECT_EQ(std::get<SetFrontmostStep>(steps[2].action).processIdentifier, 9);
     EXPECT_EQ(std::get<SetPreferencesStep>(steps[3].action).preferences.cardSize,
               SwitcherCardSize::large);
     EXPECT_EQ(std::get<NoteStep>(steps[4].action).text, "hello");
+
+    const auto& application = std::get<LaunchStep>(steps[5].action).application;
+    EXPECT_EQ(application.runningApplication.processIdentifier, 7);
+    EXPECT_EQ(application.runningApplication.localizedName, "Legacy");
+    EXPECT_EQ(application.runningApplication.activationPolicy,
+              ApplicationActivationPolicy::accessory);
+    EXPECT_EQ(application.windowsAttributeError, accessibility_error::apiDisabled);
+    EXPECT_EQ(application.accessibilityResponseDelay, 0.5);
+    EXPECT_EQ(application.refusedNotifications,
+              (std::set<std::string>{"AXWindowCreated", "AXUIElementDestroyed"}));
+    EXPECT_TRUE(application.observerCreationFails);
+    EXPECT_TRUE(application.processIdentifierLookupFails);
+    EXPECT_TRUE(application.windowsAttributeIsNotArray);
+
+    const auto& created = std::get<AddWindowStep>(steps[6].action);
+    EXPECT_TRUE(created.inFront);
+    EXPECT_EQ(created.window.listTitle, "L");
+    EXPECT_EQ(created.window.accessibilityTitle, "A");
+    EXPECT_EQ(created.window.accessibilityFrame, (Rect{{0, 0}, {50, 50}}));
+    EXPECT_EQ(created.window.layer, 3);
+    EXPECT_EQ(created.window.alpha, 0.5);
+    EXPECT_FALSE(created.window.subrole);
+    EXPECT_EQ(created.window.wronglyTypedAttributes, (std::set<std::string>{"AXSize"}));
+    EXPECT_EQ(created.window.missingWindowListKeys, (std::set<std::string>{"kCGWindowAlpha"}));
+    EXPECT_TRUE(created.window.isOffScreen);
+    EXPECT_FALSE(created.window.isInAccessibilityTree);
+
+    EXPECT_EQ(std::get<FocusWindowStep>(steps[7].action).windowIdentifier, 6u);
+    EXPECT_TRUE(std::get<MinimizeWindowStep>(steps[8].action).minimized);
+    EXPECT_FALSE(std::get<MinimizeWindowStep>(steps[9].action).minimized);
+    EXPECT_EQ(std::get<DestroyWindowStep>(steps[10].action).windowIdentifier, 6u);
+    EXPECT_EQ(std::get<QuitStep>(steps[11].action).processIdentifier, 7);
+    EXPECT_EQ(std::get<AdvanceClockStep>(steps[12].action).seconds, 2.5);
+    const auto& fault = std::get<WindowListFaultStep>(steps[13].action);
+    EXPECT_EQ(fault.failingOptions, (std::set<std::uint32_t>{16, 17}));
+    EXPECT_TRUE(fault.malformed);
+    EXPECT_TRUE(std::holds_alternative<PrintStep>(steps[14].action));
+    EXPECT_EQ(std::get<LogLevelStep>(steps[15].action).minimumLevel, LogLevel::debug);
 }
 
 struct MalformedCase {
@@ -123,6 +172,23 @@ INSTANTIATE_TEST_SUITE_P(
         MalformedCase{"window id=1 pid=1 app=A\nwindow id=1 pid=2 app=B\n", 2,
                       "already on the desktop"},
         MalformedCase{"window id=1 pid=1 app=\"A\" hidden\n", 1, "unknown window flag"},
+        MalformedCase{"window id=1 pid=1\n", 1, "process 1 is not running"},
+        MalformedCase{"window id=0 pid=1 app=A\n", 1, "names no window"},
+        MalformedCase{"launch pid=3\nlaunch pid=3\n", 2, "already running"},
+        MalformedCase{"quit pid=3\n", 1, "is not running"},
+        MalformedCase{"launch pid=3\nwindow id=8 pid=3\nquit pid=3\nfocus id=8\n", 4,
+                      "window 8 is not on the desktop"},
+        MalformedCase{"window id=8 pid=3 app=A\ndestroy id=8\nminimize id=8\n", 3,
+                      "not on the desktop"},
+        MalformedCase{"launch pid=3 policy=background\n", 1, "policy must be"},
+        MalformedCase{"launch pid=3 accessibility-delay=-1\n", 1, "0 or more seconds"},
+        MalformedCase{"launch pid=3 sleepy\n", 1, "unknown application flag"},
+        MalformedCase{"frontmost pid=4\n", 1, "process 4 is not running"},
+        MalformedCase{"advance -1\n", 1, "only moves forward"},
+        MalformedCase{"advance soon\n", 1, "must be a number"},
+        MalformedCase{"window-list fails=seventeen\n", 1, "fails must be an integer"},
+        MalformedCase{"print everything\n", 1, "takes what to print"},
+        MalformedCase{"log-level verbose\n", 1, "debug, info or error"},
         MalformedCase{"note \"unterminated\n", 1, "unterminated quoted text"},
         MalformedCase{"note \"bad \\q escape\"\n", 1, "unknown escape"},
         MalformedCase{"note \"\\u{D800}\"\n", 1, "no Unicode scalar value"},

@@ -51,6 +51,31 @@ class FakeAccessibility final : public AccessibilityPort {
         }
         return found->second;
     }
+
+    // Element frames read attributes only.
+    AccessibilityElementHandle createApplicationElement(ProcessIdentifier) override {
+        return nullptr;
+    }
+    AccessibilityError setMessagingTimeout(const AccessibilityElementHandle&, float) override {
+        return accessibility_error::success;
+    }
+    ProcessReading processIdentifier(const AccessibilityElementHandle&) const override {
+        return {};
+    }
+    ObserverCreation createObserver(ProcessIdentifier, ObserverCallback) override { return {}; }
+    AccessibilityError addNotification(const AccessibilityObserverHandle&,
+                                       const AccessibilityElementHandle&, std::string_view,
+                                       void*) override {
+        return accessibility_error::failure;
+    }
+    AccessibilityError removeNotification(const AccessibilityObserverHandle&,
+                                          const AccessibilityElementHandle&,
+                                          std::string_view) override {
+        return accessibility_error::failure;
+    }
+    RunLoopSourceHandle observerRunLoopSource(const AccessibilityObserverHandle&) override {
+        return 0;
+    }
 };
 
 AccessibilityPort::AttributeReading success(AccessibilityValue value) {

@@ -1,0 +1,23 @@
+// The workspace of the simulated desktop: its running applications and the frontmost one.
+#pragma once
+
+#include "platform/WorkspacePort.h"
+
+namespace orvane {
+
+class SimulatedDesktop;
+
+class SimulatedWorkspace final : public WorkspacePort {
+  public:
+    explicit SimulatedWorkspace(SimulatedDesktop& desktop) : desktop_(desktop) {}
+
+    std::vector<RunningApplication> runningApplications() const override;
+    std::optional<RunningApplication> runningApplication(
+        ProcessIdentifier processIdentifier) const override;
+    std::optional<RunningApplication> frontmostApplication() const override;
+
+  private:
+    SimulatedDesktop& desktop_;
+};
+
+}  // namespace orvane

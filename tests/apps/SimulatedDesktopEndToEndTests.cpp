@@ -1,0 +1,108 @@
+// Whole gestures over the simulated desktop: real interception, session, enumeration, recency
+// tracker and focus event source; the transcript shows what the user would see.
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "simulator/ScenarioParser.h"
+#include "simulator/SimulatorDriver.h"
+
+namespace orvane::simulator {
+namespace {
+
+std::string play(const std::string& scenarioText, LogLevel level = LogLevel::info) {
+    auto parsed = ScenarioParser::parse(scenarioText);
+    EXPECT_TRUE(parsed.scenario) << parsed.errorLine << ": " << parsed.errorMessage;
+    if (!parsed.scenario) {
+        return {};
+    }
+    std::ostringstream transcript;
+    SimulatorDriver driver(transcript, {level});
+    driver.play(*parsed.scenario, "inline");
+    return transcript.str();
+}
+
+// The transcript lines that start with `prefix` (after the indentation), in order.
+std::vector<std::string> linesStartingWith(const std::string& transcript,
+                                           const std::string& prefix) {
+    std::vector<std::string> lines;
+    std::istringstream input(transcript);
+    for (std::string line; std::getline(input, line);) {
+        if (line.rfind("  " + prefix, 0) == 0) {
+            lines.push_back(line.substr(2));
+        }
+    }
+    return lines;
+}
+
+const char* const threeApplications =
+    "launch pid=400 name=\"Safari\"\n"
+    "launch pid=401 name=\"Terminal\"\n"
+    "launch pid=402 name=\"Notes\"\n"
+    "window id=101 pid=400 title=\"Start Page\"\n"
+    "window id=102 pid=401 title=\"zsh\"\n"
+    "window id=103 pid=402 title=\"Groceries\"\n";
+
+TEST(SimulatedDesktopEndToEnd, OneTapAndReleaseGoesBackToThePreviousWindow) {
+    const auto transcript = play(std::string(threeApplications) +
+                                 "focus id=101\nadvance 1\n"
+                                 "focus id=103\nadvance 1\n"
+                                 "focus id=102\nadvance 1\n"
+                                 // The listing raises nothing: the z-order is not the recency.
+                                 "flags option\ntap tab\nflags none\n"
+                                 "advance 1\n"
+                                 "flags option\ntap tab\nflags none\n");
+    EXPECT_EQ(linesStartingWith(transcript, "recency:"),
+              (std::vector<std::string>{"recency: 3 windows [102, 103, 101]",
+                                        "recency: 3 windows [103, 102, 101]"}));
+    EXPECT_EQ(linesStartingWith(transcript, "activate:"),
+              (std::vector<std::string>{"activate: 103 \"Notes\" \"Groceries\" pid 402",
+                                        "activate: 102 \"Terminal\" \"zsh\" pid 401"}));
+}
+
+TEST(SimulatedDesktopEndToEnd, AWindowClosedDuringTheSessionStaysSelectable) {
+    const auto transcript = play(std::string(threeApplications) +
+                                 "focus id=101\nfocus id=102\n"
+                                 "flags option\ntap tab\n"
+                                 "destroy id=101\n"
+                                 "flags none\n"
+                                 "flags option\ntap tab\nflags none\n");
+    // The session's list is a snapshot; the activation finds the window gone.
+    EXPECT_EQ(linesStartingWith(transcript, "activate:"),
+              (std::vector<std::string>{"activate: 101 \"Safari\" \"Start Page\" pid 400",
+                                        "activate: 103 \"Notes\" \"Groceries\" pid 402"}));
+    EXPECT_EQ(linesStartingWith(transcript, "desktop:"),
+              (std::vector<std::string>{"desktop: window 101 is gone; nothing comes forward"}));
+    EXPECT_EQ(linesStartingWith(transcript, "recency:").back(), "recency: 2 windows [102, 103]");
+}
+
+TEST(SimulatedDesktopEndToEnd, ApplicationsRefusingNotificationsAreOrderedByTheirActivation) {
+    const auto transcript = play(
+        "launch pid=500 name=\"Editor\"\n"
+        "launch pid=501 name=\"Legacy\" refuse-notifications=AXFocusedWindowChanged,"
+        "AXApplicationActivated,AXWindowCreated,AXUIElementDestroyed,AXWindowMiniaturized,"
+        "AXWindowDeminiaturized\n"
+        "launch pid=502 name=\"Old Tool\" observer-fails\n"
+        "window id=1 pid=500 title=\"a1\"\n"
+        "window id=2 pid=501 title=\"b1\"\n"
+        "window id=3 pid=502 title=\"c1\"\n"
+        "focus id=3\nadvance 1\n"
+        "focus id=2\nadvance 1\n"
+        // A new window of the editor comes in front without being used.
+        "create id=4 pid=500 title=\"a2\"\n"
+        "flags option\ntap tab\nflags none\n");
+    EXPECT_EQ(linesStartingWith(transcript, "enumerate:"),
+              (std::vector<std::string>{"enumerate: 4 windows [4, 2, 3, 1]"}));
+    // Neither refusing application reported a focused window, so their last activations order
+    // them, latest first, ahead of the windows nobody used.
+    EXPECT_EQ(linesStartingWith(transcript, "recency:"),
+              (std::vector<std::string>{"recency: 4 windows [2, 3, 4, 1]"}));
+    EXPECT_EQ(linesStartingWith(transcript, "activate:"),
+              (std::vector<std::string>{"activate: 3 \"Old Tool\" \"c1\" pid 502"}));
+}
+
+}  // namespace
+}  // namespace orvane::simulator

@@ -1,0 +1,608 @@
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <optional>
+#include <ostream>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "core/ScopedLogCapture.h"
+#include "platform/simulated/SimulatedAccessibilityElement.h"
+#include "platform/simulated/SimulatedDesktop.h"
+#include "recency/AccessibilityWindowFocusEventSource.h"
+
+namespace orvane {
+namespace {
+
+using Kind = WindowFocusEvent::Kind;
+using Lines = std::vector<std::string>;
+
+const Lines allNotifications{"AXFocusedWindowChanged", "AXApplicationActivated",
+                             "AXWindowCreated",        "AXUIElementDestroyed",
+                             "AXWindowMiniaturized",   "AXWindowDeminiaturized"};
+const std::vector<const char*> workspaceNotifications{
+    workspace_notification::didActivateApplication, workspace_notification::didLaunchApplication,
+    workspace_notification::didTerminateApplication};
+
+const SimulatedAccessibilityElement* simulated(const AccessibilityElementHandle& element) {
+    return dynamic_cast<const SimulatedAccessibilityElement*>(element.get());
+}
+
+// One received event, its element compared by the platform's equality.
+struct Seen {
+    Kind kind = Kind::applicationActivated;
+    ProcessIdentifier process = 0;
+    std::optional<AccessibilityWindowElement> element;
+
+    friend bool operator==(const Seen&, const Seen&) = default;
+    friend void PrintTo(const Seen& seen, std::ostream* out) {
+        *out << "kind " << static_cast<int>(seen.kind) << " process " << seen.process;
+        if (seen.element) {
+            const auto* window = simulated(seen.element->underlyingElement());
+            *out << " element "
+                 << (window ? std::to_string(window->processIdentifier()) + "/" +
+                                  std::to_string(window->windowIdentifier())
+                            : std::string("foreign"));
+        }
+    }
+};
+
+AccessibilityWindowElement windowOf(ProcessIdentifier process, WindowIdentifier window) {
+    return AccessibilityWindowElement(SimulatedAccessibility::windowElement(process, window));
+}
+Seen activated(ProcessIdentifier process) {
+    return {Kind::applicationActivated, process, {}};
+}
+Seen terminated(ProcessIdentifier process) {
+    return {Kind::applicationTerminated, process, {}};
+}
+Seen focused(ProcessIdentifier process, WindowIdentifier window) {
+    return {Kind::focusedWindowChanged, process, windowOf(process, window)};
+}
+Seen created(ProcessIdentifier process, WindowIdentifier window) {
+    return {Kind::windowCreated, process, windowOf(process, window)};
+}
+Seen destroyed(ProcessIdentifier process, WindowIdentifier window) {
+    return {Kind::windowDestroyed, 0, windowOf(process, window)};
+}
+Seen miniaturized(ProcessIdentifier process, WindowIdentifier window) {
+    return {Kind::windowMiniaturized, process, windowOf(process, window)};
+}
+Seen deminiaturized(ProcessIdentifier process, WindowIdentifier window) {
+    return {Kind::windowDeminiaturized, process, windowOf(process, window)};
+}
+
+class RecordingObserver final : public WindowFocusEventObserving {
+  public:
+    void windowFocusEventDidOccur(const WindowFocusEvent& event) override {
+        Seen seen{event.kind, event.processIdentifier, std::nullopt};
+        if (event.element) {
+            seen.element = *event.element;
+            const auto* element = simulated(event.element->underlyingElement());
+            timeoutsWhenSent.push_back(element ? element->messagingTimeout() : std::nullopt);
+        }
+        events.push_back(std::move(seen));
+    }
+    std::vector<Seen> takeEvents() { return std::exchange(events, {}); }
+
+    std::vector<Seen> events;
+    // The element's messaging timeout at the moment it reached the observer.
+    std::vector<std::optional<float>> timeoutsWhenSent;
+};
+
+// Forwards to the simulated desktop, keeping the last observer's callback (to call it with
+// arguments the simulation never delivers) and what teardown must undo.
+class RecordingAccessibility final : public AccessibilityPort {
+  public:
+    explicit RecordingAccessibility(std::shared_ptr<SimulatedAccessibility> inner)
+        : inner_(std::move(inner)) {}
+
+    AttributeReading copyAttributeValue(const AccessibilityElementHandle& element,
+                                        std::string_view attribute) const override {
+        return inner_->copyAttributeValue(element, attribute);
+    }
+    AccessibilityElementHandle createApplicationElement(ProcessIdentifier process) override {
+        return inner_->createApplicationElement(process);
+    }
+    AccessibilityError setMessagingTimeout(const AccessibilityElementHandle& element,
+                                           float seconds) override {
+        return inner_->setMessagingTimeout(element, seconds);
+    }
+    ProcessReading processIdentifier(const AccessibilityElementHandle& element) const override {
+        return inner_->processIdentifier(element);
+    }
+    ObserverCreation createObserver(ProcessIdentifier process, ObserverCallback callback) override {
+        callback_ = callback;
+        return inner_->createObserver(process, std::move(callback));
+    }
+    AccessibilityError addNotification(const AccessibilityObserverHandle& observer,
+                                       const AccessibilityElementHandle& element,
+                                       std::string_view notification, void* reference) override {
+        observer_ = observer;
+        reference_ = reference;
+        return inner_->addNotification(observer, element, notification, reference);
+    }
+    AccessibilityError removeNotification(const AccessibilityObserverHandle& observer,
+                                          const AccessibilityElementHandle& element,
+                                          std::string_view notification) override {
+        removedNotifications.emplace_back(notification);
+        return inner_->removeNotification(observer, element, notification);
+    }
+    RunLoopSourceHandle observerRunLoopSource(
+        const AccessibilityObserverHandle& observer) override {
+        sources.push_back(inner_->observerRunLoopSource(observer));
+        return sources.back();
+    }
+
+    // Only while the source that registered is alive: the reference points at it.
+    void call(const AccessibilityObserverHandle& observer,
+              const AccessibilityElementHandle& element, std::string_view notification) {
+        callback_(observer, element, notification, reference_);
+    }
+    AccessibilityObserverHandle lastObserver() const { return observer_.lock(); }
+
+    std::vector<RunLoopSourceHandle> sources;
+    Lines removedNotifications;
+
+  private:
+    std::shared_ptr<SimulatedAccessibility> inner_;
+    ObserverCallback callback_;
+    // Weak, so that holding it here does not keep a released observer alive.
+    std::weak_ptr<AccessibilityObserverObject> observer_;
+    void* reference_ = nullptr;
+};
+
+SimulatedApplication application(
+    ProcessIdentifier process,
+    ApplicationActivationPolicy policy = ApplicationActivationPolicy::regular) {
+    SimulatedApplication result;
+    result.runningApplication.processIdentifier = process;
+    result.runningApplication.localizedName = "App " + std::to_string(process);
+    result.runningApplication.activationPolicy = policy;
+    return result;
+}
+
+SimulatedApplication refusing(ProcessIdentifier process, std::set<std::string> refused) {
+    auto result = application(process);
+    result.refusedNotifications = std::move(refused);
+    return result;
+}
+
+SimulatedApplication failingObserverCreation(ProcessIdentifier process) {
+    auto result = application(process);
+    result.observerCreationFails = true;
+    return result;
+}
+
+std::string refusalLine(const std::string& notification, ProcessIdentifier process) {
+    return "AXObserverAddNotification(" + notification + ") failed for process " +
+           std::to_string(process) + " (AXError -25207)";
+}
+
+// One attachment attempt on an application that refuses every notification.
+Lines refusedEverythingLines(ProcessIdentifier process) {
+    Lines lines;
+    for (const auto& notification : allNotifications) {
+        lines.push_back(refusalLine(notification, process));
+    }
+    lines.push_back("Process " + std::to_string(process) +
+                    " accepted no Accessibility notifications; using application-activation "
+                    "fallback");
+    return lines;
+}
+
+std::string creationFailureLine(ProcessIdentifier process) {
+    return "AXObserverCreate failed for process " + std::to_string(process) +
+           " (AXError -25204); using application-activation fallback";
+}
+
+std::string startedLine(int attached) {
+    return "Started window focus observation; attached Accessibility observers to " +
+           std::to_string(attached) + " applications";
+}
+
+class AccessibilityWindowFocusEventSourceTest : public ::testing::Test {
+  protected:
+    AccessibilityWindowFocusEventSourceTest() { source = makeSource(desktop->accessibilityPort()); }
+
+    std::shared_ptr<AccessibilityWindowFocusEventSource> makeSource(
+        std::shared_ptr<AccessibilityPort> accessibility) {
+        auto made = std::make_shared<AccessibilityWindowFocusEventSource>(
+            desktop->workspacePort(), desktop->workspaceNotificationCenter(),
+            std::move(accessibility), desktop->runLoopPort());
+        made->setObserver(observer);
+        return made;
+    }
+
+    void launch(SimulatedApplication launched) {
+        ASSERT_TRUE(desktop->launchApplication(std::move(launched)));
+        desktop->runLoop().runUntilIdle();
+    }
+    void addWindow(ProcessIdentifier process, WindowIdentifier window) {
+        SimulatedWindow created;
+        created.windowIdentifier = window;
+        created.owningProcessIdentifier = process;
+        ASSERT_TRUE(desktop->createWindow(std::move(created)));
+    }
+
+    // The lines logged since the last call; every one must be a recency debug line.
+    Lines takeLog() {
+        Lines lines;
+        for (auto& record : logCapture.sink().takeRecords()) {
+            EXPECT_EQ(record.category, LogCategory::recencytracking) << record.message;
+            EXPECT_EQ(record.level, LogLevel::debug) << record.message;
+            lines.push_back(std::move(record.message));
+        }
+        return lines;
+    }
+
+    std::size_t observers(ProcessIdentifier process) {
+        return desktop->accessibility().liveObserverCount(process);
+    }
+    std::size_t retriesScheduled() { return desktop->runLoop().scheduledTimerHistory().size(); }
+
+    ScopedLogCapture logCapture;
+    std::shared_ptr<SimulatedDesktop> desktop = SimulatedDesktop::make(100);
+    std::shared_ptr<RecordingObserver> observer = std::make_shared<RecordingObserver>();
+    std::shared_ptr<AccessibilityWindowFocusEventSource> source;
+};
+
+TEST_F(AccessibilityWindowFocusEventSourceTest, StartAndStopActOnceEach) {
+    launch(application(201));
+    launch(application(301, ApplicationActivationPolicy::accessory));
+    launch(failingObserverCreation(202));
+
+    source->startObserving();
+    source->startObserving();
+    // A failure while starting is not retried.
+    desktop->runLoop().advance(30);
+
+    EXPECT_EQ(takeLog(), (Lines{creationFailureLine(202), startedLine(1)}));
+    for (const char* name : workspaceNotifications) {
+        EXPECT_EQ(desktop->workspaceNotificationCenter()->observerCount(name), 1u) << name;
+    }
+    EXPECT_EQ(observers(201), 1u);
+    EXPECT_EQ(desktop->accessibility().registeredNotifications(201), allNotifications);
+    EXPECT_EQ(observers(202), 0u);
+    EXPECT_EQ(observers(301), 0u);
+    EXPECT_EQ(desktop->accessibility().messagingTimeoutsSet(), std::vector<float>{0.25f});
+    EXPECT_EQ(retriesScheduled(), 0u);
+
+    source->stopObserving();
+    source->stopObserving();
+
+    EXPECT_EQ(takeLog(), Lines{"Stopped window focus observation"});
+    for (const char* name : workspaceNotifications) {
+        EXPECT_EQ(desktop->workspaceNotificationCenter()->observerCount(name), 0u) << name;
+    }
+    EXPECT_EQ(observers(201), 0u);
+    desktop->activateApplication(201);
+    desktop->runLoop().runUntilIdle();
+    EXPECT_TRUE(observer->events.empty());
+}
+
+TEST_F(AccessibilityWindowFocusEventSourceTest, ActivationAttachesAMissedApplicationOnce) {
+    launch(application(201));
+    launch(failingObserverCreation(202));
+    source->startObserving();
+    takeLog();
+
+    desktop->activateApplication(202);
+    desktop->runLoop().advance(30);
+
+    EXPECT_EQ(observer->takeEvents(), std::vector<Seen>{activated(202)});
+    EXPECT_EQ(takeLog(), Lines{creationFailureLine(202)});
+    EXPECT_EQ(retriesScheduled(), 0u);
+
+    desktop->application(202)->observerCreationFails = false;
+    desktop->activateApplication(201);
+    desktop->activateApplication(202);
+    desktop->runLoop().runUntilIdle();
+    addWindow(202, 21);
+    desktop->runLoop().runUntilIdle();
+
+    // 202 had no observer yet when its own activation was posted, so only the workspace tells.
+    EXPECT_EQ(observer->takeEvents(), (std::vector<Seen>{activated(201), activated(201),
+                                                         activated(202), created(202, 21)}));
+    EXPECT_TRUE(takeLog().empty());
+    EXPECT_EQ(observers(201), 1u);
+    EXPECT_EQ(observers(202), 1u);
+}
+
+TEST_F(AccessibilityWindowFocusEventSourceTest,
+       OnlyRegularApplicationsAreAttachedButAllAreReported) {
+    source->startObserving();
+    takeLog();
+
+    launch(application(201));
+    launch(application(301, ApplicationActivationPolicy::accessory));
+    launch(application(302, ApplicationActivationPolicy::prohibited));
+
+    EXPECT_TRUE(observer->events.empty());
+    EXPECT_EQ(observers(201), 1u);
+    EXPECT_EQ(observers(301), 0u);
+    EXPECT_EQ(observers(302), 0u);
+
+    desktop->activateApplication(301);
+    desktop->activateApplication(302);
+    desktop->terminateApplication(301);
+    desktop->terminateApplication(302);
+    desktop->runLoop().advance(30);
+
+    EXPECT_EQ(observer->takeEvents(), (std::vector<Seen>{activated(301), activated(302),
+                                                         terminated(301), terminated(302)}));
+    EXPECT_EQ(observers(301), 0u);
+    EXPECT_EQ(observers(302), 0u);
+    EXPECT_TRUE(takeLog().empty());
+    EXPECT_EQ(retriesScheduled(), 0u);
+}
+
+TEST_F(AccessibilityWindowFocusEventSourceTest, TerminationDetachesAndReportsObservedOrNot) {
+    launch(application(201));
+    launch(failingObserverCreation(202));
+    source->startObserving();
+    takeLog();
+
+    desktop->terminateApplication(201);
+    desktop->terminateApplication(202);
+    desktop->runLoop().runUntilIdle();
+
+    EXPECT_EQ(observer->takeEvents(), (std::vector<Seen>{terminated(201), terminated(202)}));
+    EXPECT_EQ(observers(201), 0u);
+    EXPECT_FALSE(source->isAttached(201));
+    EXPECT_TRUE(takeLog().empty());
+}
+
+TEST_F(AccessibilityWindowFocusEventSourceTest, OneAcceptedNotificationOfSixIsEnough) {
+    launch(
+        refusing(201, {"AXFocusedWindowChanged", "AXApplicationActivated", "AXUIElementDestroyed",
+                       "AXWindowMiniaturized", "AXWindowDeminiaturized"}));
+
+    source->startObserving();
+
+    EXPECT_EQ(takeLog(), (Lines{refusalLine("AXFocusedWindowChanged", 201),
+                                refusalLine("AXApplicationActivated", 201),
+                                refusalLine("AXUIElementDestroyed", 201),
+                                refusalLine("AXWindowMiniaturized", 201),
+                                refusalLine("AXWindowDeminiaturized", 201), startedLine(1)}));
+    EXPECT_TRUE(source->isAttached(201));
+    EXPECT_EQ(desktop->accessibility().registeredNotifications(201), Lines{"AXWindowCreated"});
+
+    addWindow(201, 11);
+    desktop->destroyWindow(11);
+    desktop->runLoop().runUntilIdle();
+    EXPECT_EQ(observer->takeEvents(), std::vector<Seen>{created(201, 11)});
+}
+
+TEST_F(AccessibilityWindowFocusEventSourceTest, AllSixRefusedFallsBackAndReleasesTheObserver) {
+    launch(refusing(201, {allNotifications.begin(), allNotifications.end()}));
+
+    source->startObserving();
+
+    auto expected = refusedEverythingLines(201);
+    expected.push_back(startedLine(0));
+    EXPECT_EQ(takeLog(), expected);
+    EXPECT_FALSE(source->isAttached(201));
+    EXPECT_EQ(observers(201), 0u);
+}
+
+TEST_F(AccessibilityWindowFocusEventSourceTest, LaunchGetsThreeAttemptsTwoSecondsApart) {
+    source->startObserving();
+    takeLog();
+
+    launch(refusing(201, {allNotifications.begin(), allNotifications.end()}));
+    EXPECT_EQ(takeLog(), refusedEverythingLines(201));
+
+    desktop->runLoop().advance(1.75);
+    EXPECT_TRUE(takeLog().empty());
+    desktop->runLoop().advance(0.25);
+    EXPECT_EQ(takeLog(), refusedEverythingLines(201));
+
+    desktop->runLoop().advance(1.75);
+    EXPECT_TRUE(takeLog().empty());
+    desktop->runLoop().advance(0.25);
+    auto expected = refusedEverythingLines(201);
+    expected.push_back(
+        "Giving up Accessibility observer attachment for process 201; using "
+        "application-activation fallback");
+    EXPECT_EQ(takeLog(), expected);
+
+    desktop->runLoop().advance(60);
+    EXPECT_TRUE(takeLog().empty());
+    using Delays = std::vector<std::pair<double, double>>;
+    EXPECT_EQ(desktop->runLoop().scheduledTimerHistory(), (Delays{{2.0, 0.0}, {2.0, 0.0}}));
+    EXPECT_TRUE(observer->events.empty());
+
+    desktop->activateApplication(201);
+    desktop->runLoop().advance(60);
+    EXPECT_EQ(takeLog(), refusedEverythingLines(201));
+    EXPECT_EQ(observer->takeEvents(), std::vector<Seen>{activated(201)});
+    EXPECT_EQ(retriesScheduled(), 2u);
+}
+
+TEST_F(AccessibilityWindowFocusEventSourceTest, RetriesEndOnSuccessStopOrQuit) {
+    source->startObserving();
+    takeLog();
+
+    // Success on the first retry.
+    launch(failingObserverCreation(201));
+    EXPECT_EQ(takeLog(), Lines{creationFailureLine(201)});
+    desktop->application(201)->observerCreationFails = false;
+    desktop->runLoop().advance(2.0);
+    EXPECT_TRUE(source->isAttached(201));
+    desktop->runLoop().advance(30);
+    EXPECT_EQ(retriesScheduled(), 1u);
+    EXPECT_EQ(observers(201), 1u);
+
+    // Quitting while a retry waits.
+    launch(failingObserverCreation(202));
+    EXPECT_EQ(takeLog(), Lines{creationFailureLine(202)});
+    desktop->terminateApplication(202);
+    desktop->runLoop().advance(30);
+    EXPECT_EQ(observer->takeEvents(), std::vector<Seen>{terminated(202)});
+    EXPECT_TRUE(takeLog().empty());
+    EXPECT_EQ(retriesScheduled(), 2u);
+
+    // Stopping while a retry waits; the retry would now succeed.
+    launch(failingObserverCreation(203));
+    EXPECT_EQ(takeLog(), Lines{creationFailureLine(203)});
+    source->stopObserving();
+    desktop->application(203)->observerCreationFails = false;
+    desktop->runLoop().advance(30);
+    EXPECT_EQ(takeLog(), Lines{"Stopped window focus observation"});
+    EXPECT_EQ(observers(203), 0u);
+    EXPECT_EQ(retriesScheduled(), 3u);
+}
+
+TEST_F(AccessibilityWindowFocusEventSourceTest, DesktopChangesArriveInPostingOrder) {
+    launch(application(201));
+    launch(application(202));
+    source->startObserving();
+    takeLog();
+
+    addWindow(201, 11);
+    addWindow(201, 12);
+    addWindow(202, 21);
+    desktop->focusWindow(11);
+    desktop->focusWindow(21);
+    desktop->setWindowMinimized(11, true);
+    desktop->focusWindow(11);
+    desktop->destroyWindow(11);
+    desktop->runLoop().runUntilIdle();
+
+    EXPECT_EQ(observer->takeEvents(),
+              (std::vector<Seen>{created(201, 11), created(201, 12), created(202, 21),
+                                 activated(201), activated(201), focused(201, 11), activated(202),
+                                 activated(202), focused(202, 21), miniaturized(201, 11),
+                                 deminiaturized(201, 11), activated(201), activated(201),
+                                 focused(201, 11), destroyed(201, 11), focused(201, 12)}));
+    // Set before sending: the desktop hands out each element without a timeout.
+    EXPECT_EQ(observer->timeoutsWhenSent, std::vector<std::optional<float>>(10, 0.25f));
+    EXPECT_EQ(observers(201), 1u);
+    EXPECT_EQ(observers(202), 1u);
+    EXPECT_TRUE(takeLog().empty());
+}
+
+TEST_F(AccessibilityWindowFocusEventSourceTest, FailedProcessLookupUsesTheObserversProcess) {
+    launch(application(201));
+    auto unreadable = application(202);
+    unreadable.processIdentifierLookupFails = true;
+    launch(unreadable);
+    source->startObserving();
+    takeLog();
+
+    addWindow(202, 21);
+    desktop->focusWindow(21);
+    desktop->runLoop().runUntilIdle();
+
+    EXPECT_EQ(observer->takeEvents(), (std::vector<Seen>{created(202, 21), activated(202),
+                                                         activated(202), focused(202, 21)}));
+    EXPECT_TRUE(takeLog().empty());
+}
+
+TEST_F(AccessibilityWindowFocusEventSourceTest, CallbacksTheSimulationNeverDelivers) {
+    auto recording = std::make_shared<RecordingAccessibility>(desktop->accessibilityPort());
+    source = makeSource(recording);
+    auto unreadable = application(201);
+    unreadable.processIdentifierLookupFails = true;
+    launch(unreadable);
+    source->startObserving();
+    takeLog();
+    auto attachedObserver = recording->lastObserver();
+    ASSERT_NE(attachedObserver, nullptr);
+
+    recording->call(attachedObserver, SimulatedAccessibility::windowElement(201, 11),
+                    "AXTitleChanged");
+    EXPECT_TRUE(observer->events.empty());
+    EXPECT_TRUE(takeLog().empty());
+
+    // Neither the element nor the observer names a process.
+    recording->call(std::make_shared<AccessibilityObserverObject>(),
+                    SimulatedAccessibility::windowElement(201, 11), "AXWindowCreated");
+    // The element names process 0.
+    recording->call(attachedObserver, SimulatedAccessibility::windowElement(0, 11),
+                    "AXFocusedWindowChanged");
+    EXPECT_TRUE(observer->events.empty());
+    EXPECT_EQ(takeLog(),
+              (Lines{"Dropped Accessibility notification AXWindowCreated: no resolvable process "
+                     "identifier",
+                     "Dropped Accessibility notification AXFocusedWindowChanged: no resolvable "
+                     "process identifier"}));
+}
+
+TEST_F(AccessibilityWindowFocusEventSourceTest, EveryDetachUnregistersAndUnschedulesTheObserver) {
+    auto recording = std::make_shared<RecordingAccessibility>(desktop->accessibilityPort());
+    source = makeSource(recording);
+    launch(application(201));
+    launch(application(202));
+    source->startObserving();
+    ASSERT_EQ(recording->sources.size(), 2u);
+    const auto& runLoop = desktop->runLoop();
+    EXPECT_TRUE(runLoop.isSourceScheduled(recording->sources[0]));
+    EXPECT_TRUE(runLoop.isSourceScheduled(recording->sources[1]));
+
+    desktop->terminateApplication(201);
+    desktop->runLoop().runUntilIdle();
+    EXPECT_FALSE(runLoop.isSourceScheduled(recording->sources[0]));
+    EXPECT_TRUE(runLoop.isSourceScheduled(recording->sources[1]));
+    EXPECT_EQ(std::exchange(recording->removedNotifications, {}), allNotifications);
+
+    source->stopObserving();
+    EXPECT_FALSE(runLoop.isSourceScheduled(recording->sources[1]));
+    EXPECT_EQ(std::exchange(recording->removedNotifications, {}), allNotifications);
+
+    source->startObserving();
+    ASSERT_EQ(recording->sources.size(), 3u);
+    EXPECT_TRUE(runLoop.isSourceScheduled(recording->sources[2]));
+    source.reset();
+    EXPECT_FALSE(runLoop.isSourceScheduled(recording->sources[2]));
+    EXPECT_EQ(recording->removedNotifications, allNotifications);
+}
+
+TEST_F(AccessibilityWindowFocusEventSourceTest,
+       DestructionReleasesObserversAndSilencesWhatIsPending) {
+    launch(application(201));
+    launch(application(202));
+    source->startObserving();
+    launch(failingObserverCreation(203));
+    addWindow(201, 11);
+    addWindow(202, 21);
+    takeLog();
+
+    source.reset();
+    desktop->application(203)->observerCreationFails = false;
+    desktop->focusWindow(11);
+    desktop->runLoop().advance(30);
+
+    EXPECT_TRUE(observer->events.empty());
+    EXPECT_TRUE(takeLog().empty());
+    EXPECT_EQ(observers(201), 0u);
+    EXPECT_EQ(observers(202), 0u);
+    EXPECT_EQ(observers(203), 0u);
+    for (const char* name : workspaceNotifications) {
+        EXPECT_EQ(desktop->workspaceNotificationCenter()->observerCount(name), 0u) << name;
+    }
+}
+
+TEST_F(AccessibilityWindowFocusEventSourceTest, EventsForAGoneObserverAreDropped) {
+    launch(application(201));
+    source->startObserving();
+    observer.reset();
+
+    addWindow(201, 11);
+    desktop->focusWindow(11);
+    desktop->terminateApplication(201);
+    desktop->runLoop().runUntilIdle();
+
+    auto replacement = std::make_shared<RecordingObserver>();
+    source->setObserver(replacement);
+    launch(application(202));
+    addWindow(202, 21);
+    desktop->runLoop().runUntilIdle();
+    EXPECT_EQ(replacement->events, std::vector<Seen>{created(202, 21)});
+}
+
+}  // namespace
+}  // namespace orvane
