@@ -83,8 +83,19 @@ struct KeyEventStep {
 
 // Prints something of the program's state into the transcript.
 struct PrintStep {
-    enum class Subject { desktop };
+    enum class Subject { desktop, overlay };
     Subject subject = Subject::desktop;
+};
+
+// Puts an application bundle into one of the application folders.
+struct InstallApplicationStep {
+    std::string directory;
+    std::string bundleName;
+};
+
+// Grants or withholds the Screen Recording permission that thumbnails need.
+struct ScreenRecordingStep {
+    bool granted = true;
 };
 
 // Sets which log lines reach the transcript from here on.
@@ -101,7 +112,8 @@ struct ScenarioStep {
     using Action =
         std::variant<LaunchStep, QuitStep, AddWindowStep, DestroyWindowStep, MinimizeWindowStep,
                      FocusWindowStep, SetFrontmostStep, AdvanceClockStep, WindowListFaultStep,
-                     SetPreferencesStep, KeyEventStep, PrintStep, LogLevelStep, NoteStep>;
+                     SetPreferencesStep, KeyEventStep, PrintStep, LogLevelStep, NoteStep,
+                     InstallApplicationStep, ScreenRecordingStep>;
     int lineNumber = 0;
     Action action;
 };

@@ -325,10 +325,24 @@ class LineParser {
         }
         if (word == "print") {
             Attributes attributes(tokens, {});
-            if (attributes.positional() != std::vector<std::string>{"desktop"}) {
-                throw LineError("\"print\" takes what to print: desktop");
+            if (attributes.positional() == std::vector<std::string>{"desktop"}) {
+                return PrintStep{PrintStep::Subject::desktop};
             }
-            return PrintStep{PrintStep::Subject::desktop};
+            if (attributes.positional() == std::vector<std::string>{"overlay"}) {
+                return PrintStep{PrintStep::Subject::overlay};
+            }
+            throw LineError("\"print\" takes what to print: desktop or overlay");
+        }
+        if (word == "installed") {
+            return parseInstalled(tokens);
+        }
+        if (word == "screen-recording") {
+            Attributes attributes(tokens, {});
+            const auto& words = attributes.positional();
+            if (words.size() != 1 || (words.front() != "granted" && words.front() != "denied")) {
+                throw LineError("\"screen-recording\" takes granted or denied");
+            }
+            return ScreenRecordingStep{words.front() == "granted"};
         }
         if (word == "log-level") {
             return parseLogLevel(tokens);
@@ -591,6 +605,20 @@ class LineParser {
             }
         }
         return step;
+    }
+
+    ScenarioStep::Action parseInstalled(const std::vector<Token>& tokens) {
+        Attributes attributes(tokens, {});
+        if (attributes.positional().size() != 1) {
+            throw LineError(
+                "\"installed\" takes the application's path, e.g. \"/Applications/Notes.app\"");
+        }
+        const auto& path = attributes.positional().front();
+        const auto slash = path.rfind('/');
+        if (slash == std::string::npos || slash == 0 || slash + 1 == path.size()) {
+            throw LineError("\"" + path + "\" is no path of a folder and a bundle");
+        }
+        return InstallApplicationStep{path.substr(0, slash), path.substr(slash + 1)};
     }
 
     ScenarioStep::Action parseLogLevel(const std::vector<Token>& tokens) {

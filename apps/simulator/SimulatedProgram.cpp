@@ -5,15 +5,24 @@
 #include <string>
 #include <vector>
 
-#include "StandInWindowActivation.h"
 #include "TranscriptLogSink.h"
 #include "TranscriptOverlayPresenter.h"
 #include "TranscriptRecencyOrdering.h"
+#include "TranscriptWindowActivation.h"
 #include "TranscriptWindowEnumeration.h"
 #include "WindowDescription.h"
+#include "activation/AccessibilityWindowActivationService.h"
+#include "activation/SkyLightPrivateWindowFocusService.h"
 #include "enumeration/AccessibilityWindowEnumerationService.h"
+#include "launcher/InstalledApplicationLauncherMode.h"
+#include "launcher/LauncherSessionCoordinator.h"
+#include "launcher/WindowLauncherMode.h"
+#include "overlay/FixedAdvanceOverlayTextMeasurer.h"
+#include "overlay/OverlayTextRenderer.h"
+#include "overlay/OverlayViewBuilder.h"
 #include "platform/simulated/SimulatedKeyboardEvent.h"
 #include "preferences/SwitcherPreferencesCodec.h"
+#include "thumbnails/ScreenCaptureKitWindowThumbnailCaptureService.h"
 
 namespace orvane::simulator {
 
@@ -33,22 +42,41 @@ SimulatedProgram::SimulatedProgram(Transcript& transcript, TranscriptLogSink& lo
       desktop_(SimulatedDesktop::make(programProcessIdentifier)),
       preferences_(std::make_shared<StandInPreferencesProvider>()) {
     auto runLoop = desktop_->runLoopPort();
-    focusEventSource_ = std::make_shared<AccessibilityWindowFocusEventSource>(
-        desktop_->workspacePort(), desktop_->workspaceNotificationCenter(),
-        desktop_->accessibilityPort(), runLoop);
-    tracker_ = std::make_shared<MostRecentlyUsedWindowTracker>(
-        focusEventSource_, [runLoop] { return runLoop->now(); });
-    focusEventSource_->setObserver(tracker_);
-
-    auto enumeration = std::make_shared<AccessibilityWindowEnumerationService>(
-        programProcessIdentifier, desktop_->windowListPort(), desktop_->accessibilityPort(),
-        desktop_->workspacePort());
+    auto clock = [runLoop] { return runLoop->now(); };
     auto workspace = desktop_->workspacePort();
+    auto accessibility = desktop_->accessibilityPort();
+
+    skyLight_ = std::make_shared<SimulatedSkyLight>(desktop_);
+    screenCapture_ = std::make_shared<SimulatedScreenCapture>(desktop_);
+    fileSystem_ = std::make_shared<SimulatedFileSystem>();
+    fileSystem_->createApplicationFolders();
+    applicationLauncher_ = std::make_shared<SimulatedApplicationLauncher>(runLoop);
+    sound_ = std::make_shared<SimulatedSound>();
+
+    focusEventSource_ = std::make_shared<AccessibilityWindowFocusEventSource>(
+        workspace, desktop_->workspaceNotificationCenter(), accessibility, runLoop);
+    tracker_ = std::make_shared<MostRecentlyUsedWindowTracker>(focusEventSource_, clock);
+    focusEventSource_->setObserver(tracker_);
+    auto ordering = std::make_shared<TranscriptRecencyOrdering>(tracker_, transcript);
+    auto enumeration = std::make_shared<TranscriptWindowEnumeration>(
+        std::make_shared<AccessibilityWindowEnumerationService>(
+            programProcessIdentifier, desktop_->windowListPort(), accessibility, workspace),
+        transcript);
+    auto activation = std::make_shared<TranscriptWindowActivation>(
+        std::make_shared<AccessibilityWindowActivationService>(
+            tracker_, std::make_shared<SkyLightPrivateWindowFocusService>(skyLight_), accessibility,
+            workspace),
+        transcript);
+
+    overlayPanel_ = std::make_shared<SimulatedOverlayPanel>();
+    overlayCoordinator_ = std::make_shared<SwitcherOverlayCoordinator>(
+        std::make_shared<ScreenCaptureKitWindowThumbnailCaptureService>(clock, screenCapture_,
+                                                                        runLoop),
+        preferences_, desktop_->screensPort(), overlayPanel_, runLoop);
+    auto overlay = std::make_shared<TranscriptOverlayPresenter>(overlayCoordinator_, transcript);
+
     sessionCoordinator_ = std::make_shared<SwitcherSessionCoordinator>(
-        std::make_shared<TranscriptWindowEnumeration>(enumeration, transcript),
-        std::make_shared<TranscriptRecencyOrdering>(tracker_, transcript),
-        std::make_shared<TranscriptOverlayPresenter>(transcript),
-        std::make_shared<StandInWindowActivation>(desktop_, transcript),
+        enumeration, ordering, overlay, activation,
         [workspace]() -> std::optional<ProcessIdentifier> {
             auto frontmost = workspace->frontmostApplication();
             if (!frontmost) {
@@ -56,10 +84,22 @@ SimulatedProgram::SimulatedProgram(Transcript& transcript, TranscriptLogSink& lo
             }
             return frontmost->processIdentifier;
         });
-    launcherSession_ = std::make_shared<TranscriptLauncherSession>(transcript);
-    interceptor_ = std::make_unique<GlobalShortcutInterceptor>(sessionCoordinator_,
-                                                               launcherSession_, preferences_);
+    launcherSession_ = std::make_shared<TranscriptLauncherSession>(
+        std::make_shared<LauncherSessionCoordinator>(
+            std::make_shared<WindowLauncherMode>(enumeration, ordering, activation, workspace,
+                                                 sound_),
+            std::make_shared<InstalledApplicationLauncherMode>(fileSystem_, applicationLauncher_,
+                                                               sound_, runLoop, clock),
+            overlay),
+        transcript);
+    interceptor_ = std::make_shared<GlobalShortcutInterceptor>(
+        sessionCoordinator_, launcherSession_, preferences_,
+        GlobalShortcutInterceptor::Platform{desktop_->eventTapPort(),
+                                            desktop_->workspaceNotificationCenter(),
+                                            desktop_->distributedNotificationCenter(), runLoop});
+    // The launch: tracking first, then the tap.
     tracker_->startTracking();
+    interceptor_->installEventTap();
 }
 
 SimulatedProgram::~SimulatedProgram() {
@@ -174,9 +214,49 @@ void SimulatedProgram::perform(int lineNumber, const LogLevelStep& step) {
     logSink_.setMinimumLevel(step.minimumLevel);
 }
 
-void SimulatedProgram::perform(int lineNumber, const PrintStep&) {
+void SimulatedProgram::perform(int lineNumber, const PrintStep& step) {
+    if (step.subject == PrintStep::Subject::overlay) {
+        transcript_.headline(lineNumber, "print overlay");
+        printOverlay();
+        return;
+    }
     transcript_.headline(lineNumber, "print desktop");
     printDesktop();
+}
+
+void SimulatedProgram::perform(int lineNumber, const InstallApplicationStep& step) {
+    transcript_.headline(lineNumber, "installed " + step.directory + "/" + step.bundleName);
+    fileSystem_->addApplication(step.directory, step.bundleName);
+}
+
+void SimulatedProgram::perform(int lineNumber, const ScreenRecordingStep& step) {
+    transcript_.headline(lineNumber,
+                         std::string("screen-recording ") + (step.granted ? "granted" : "denied"));
+    screenCapture_->screenCaptureAccessGranted = step.granted;
+}
+
+void SimulatedProgram::printOverlay() {
+    const auto& frame = overlayPanel_->frame();
+    std::ostringstream placement;
+    placement << (overlayPanel_->isOrderedFront() ? "on screen" : "hidden") << ", frame "
+              << frame.origin.x << "," << frame.origin.y << " " << frame.size.width << "x"
+              << frame.size.height;
+    transcript_.effect("overlay", placement.str());
+    if (!overlayPanel_->isOrderedFront()) {
+        return;
+    }
+    auto workspace = desktop_->workspacePort();
+    const OverlayViewBuilder builder(
+        [workspace](ProcessIdentifier process, const std::string&) -> std::optional<ImageHandle> {
+            auto application = workspace->runningApplication(process);
+            return application ? application->icon : std::nullopt;
+        },
+        std::make_shared<FixedAdvanceOverlayTextMeasurer>());
+    std::istringstream rendering(
+        OverlayTextRenderer::render(builder.build(*overlayCoordinator_->viewModel(), frame.size)));
+    for (std::string line; std::getline(rendering, line);) {
+        transcript_.effect("view", line);
+    }
 }
 
 void SimulatedProgram::printDesktop() {
@@ -209,7 +289,7 @@ void SimulatedProgram::perform(int lineNumber, const KeyEventStep& step) {
     const auto previousIndex = sessionCoordinator_->selectedIndex();
 
     SimulatedKeyboardEvent event(step.keyCode, step.flags, step.isAutorepeat, step.typedText);
-    const bool swallowed = interceptor_->handleEvent(step.type, event);
+    const auto delivery = desktop_->postKeyboardEvent(step.type, event);
 
     reportSessionChange(wasActive, previousIndex);
     std::vector<EventKeyCode> consumed(interceptor_->keyCodesWithConsumedKeyDown().begin(),
@@ -221,10 +301,9 @@ void SimulatedProgram::perform(int lineNumber, const KeyEventStep& step) {
         consumedText += std::to_string(keyCode);
     }
     std::string receiver = "swallowed";
-    if (!swallowed) {
-        // What passes goes on to the frontmost application.
-        auto frontmost = desktop_->frontmostProcessIdentifier();
-        receiver = frontmost ? "passed to pid " + std::to_string(*frontmost) : "passed";
+    if (!delivery.swallowed) {
+        receiver = delivery.receiver ? "passed to pid " + std::to_string(*delivery.receiver)
+                                     : std::string("passed");
     }
     transcript_.effect(
         "result", receiver + "; machine " +

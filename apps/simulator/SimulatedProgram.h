@@ -11,7 +11,14 @@
 #include "TranscriptLauncherSession.h"
 #include "core/SwitcherSessionCoordinator.h"
 #include "interception/GlobalShortcutInterceptor.h"
+#include "overlay/SwitcherOverlayCoordinator.h"
+#include "platform/simulated/SimulatedApplicationLauncher.h"
 #include "platform/simulated/SimulatedDesktop.h"
+#include "platform/simulated/SimulatedFileSystem.h"
+#include "platform/simulated/SimulatedOverlayPanel.h"
+#include "platform/simulated/SimulatedScreenCapture.h"
+#include "platform/simulated/SimulatedSkyLight.h"
+#include "platform/simulated/SimulatedSound.h"
 #include "recency/AccessibilityWindowFocusEventSource.h"
 #include "recency/MostRecentlyUsedWindowTracker.h"
 
@@ -48,9 +55,12 @@ class SimulatedProgram {
     void perform(int lineNumber, const PrintStep& step);
     void perform(int lineNumber, const LogLevelStep& step);
     void perform(int lineNumber, const NoteStep& step);
+    void perform(int lineNumber, const InstallApplicationStep& step);
+    void perform(int lineNumber, const ScreenRecordingStep& step);
 
     void reportSessionChange(bool wasActive, std::ptrdiff_t previousIndex);
     void printDesktop();
+    void printOverlay();
     // Lets the desktop deliver what the step caused.
     void settle();
 
@@ -61,8 +71,15 @@ class SimulatedProgram {
     std::shared_ptr<AccessibilityWindowFocusEventSource> focusEventSource_;
     std::shared_ptr<MostRecentlyUsedWindowTracker> tracker_;
     std::shared_ptr<SwitcherSessionCoordinator> sessionCoordinator_;
+    std::shared_ptr<SimulatedSkyLight> skyLight_;
+    std::shared_ptr<SimulatedScreenCapture> screenCapture_;
+    std::shared_ptr<SimulatedFileSystem> fileSystem_;
+    std::shared_ptr<SimulatedApplicationLauncher> applicationLauncher_;
+    std::shared_ptr<SimulatedSound> sound_;
     std::shared_ptr<TranscriptLauncherSession> launcherSession_;
-    std::unique_ptr<GlobalShortcutInterceptor> interceptor_;
+    std::shared_ptr<SimulatedOverlayPanel> overlayPanel_;
+    std::shared_ptr<SwitcherOverlayCoordinator> overlayCoordinator_;
+    std::shared_ptr<GlobalShortcutInterceptor> interceptor_;
 };
 
 }  // namespace orvane::simulator

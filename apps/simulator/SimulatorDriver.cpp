@@ -18,6 +18,7 @@ void SimulatorDriver::play(const Scenario& scenario, std::string_view scenarioNa
     auto logSink = std::make_shared<TranscriptLogSink>(transcript, options_.minimumLogLevel);
     auto previousSinks = Log::shared().replaceSinks({logSink});
     transcript.plain("orvane simulator transcript: " + std::string(scenarioName));
+    transcript.plain("program launched");
     {
         SimulatedProgram program(transcript, *logSink);
         for (const auto& step : scenario.steps) {

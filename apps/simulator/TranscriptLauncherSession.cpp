@@ -6,33 +6,37 @@ namespace orvane::simulator {
 
 void TranscriptLauncherSession::beginLauncherSession() {
     transcript_.effect("launcher", "beginLauncherSession");
-    isActive_ = true;
+    session_->beginLauncherSession();
 }
 
 void TranscriptLauncherSession::switchLauncherMode() {
     transcript_.effect("launcher", "switchLauncherMode");
+    session_->switchLauncherMode();
 }
 
 void TranscriptLauncherSession::appendToSearchQuery(const std::string& text) {
     transcript_.effect("launcher", "appendToSearchQuery \"" + text + "\"");
+    session_->appendToSearchQuery(text);
 }
 
 void TranscriptLauncherSession::deleteLastSearchCharacter() {
     transcript_.effect("launcher", "deleteLastSearchCharacter");
+    session_->deleteLastSearchCharacter();
 }
 
 void TranscriptLauncherSession::moveLauncherSelection(std::ptrdiff_t delta) {
     transcript_.effect("launcher", "moveLauncherSelection " + std::to_string(delta));
+    session_->moveLauncherSelection(delta);
 }
 
 void TranscriptLauncherSession::commitLauncherSession() {
     transcript_.effect("launcher", "commitLauncherSession");
-    isActive_ = false;
+    session_->commitLauncherSession();
 }
 
 void TranscriptLauncherSession::endLauncherSession() {
     transcript_.effect("launcher", "endLauncherSession");
-    isActive_ = false;
+    session_->endLauncherSession();
 }
 
 }  // namespace orvane::simulator

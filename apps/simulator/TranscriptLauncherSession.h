@@ -1,6 +1,7 @@
-// Stands in for the launcher session: knows only whether it is open and writes every call to the
-// transcript.
+// Passes every launcher call through to the real launcher session and writes it to the transcript.
 #pragma once
+
+#include <memory>
 
 #include "Transcript.h"
 #include "core/LauncherSessionDriving.h"
@@ -9,9 +10,11 @@ namespace orvane::simulator {
 
 class TranscriptLauncherSession final : public LauncherSessionDriving {
   public:
-    explicit TranscriptLauncherSession(Transcript& transcript) : transcript_(transcript) {}
+    TranscriptLauncherSession(std::shared_ptr<LauncherSessionDriving> session,
+                              Transcript& transcript)
+        : session_(std::move(session)), transcript_(transcript) {}
 
-    bool isLauncherSessionActive() const override { return isActive_; }
+    bool isLauncherSessionActive() const override { return session_->isLauncherSessionActive(); }
     void beginLauncherSession() override;
     void switchLauncherMode() override;
     void appendToSearchQuery(const std::string& text) override;
@@ -21,8 +24,8 @@ class TranscriptLauncherSession final : public LauncherSessionDriving {
     void endLauncherSession() override;
 
   private:
+    std::shared_ptr<LauncherSessionDriving> session_;
     Transcript& transcript_;
-    bool isActive_ = false;
 };
 
 }  // namespace orvane::simulator

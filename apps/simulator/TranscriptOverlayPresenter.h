@@ -1,6 +1,7 @@
-// Stands in for the overlay: tracks whether it is presented and writes every call to the
-// transcript.
+// Passes every overlay call through to the real coordinator and writes it to the transcript.
 #pragma once
+
+#include <memory>
 
 #include "Transcript.h"
 #include "core/SwitcherOverlayPresenting.h"
@@ -9,9 +10,11 @@ namespace orvane::simulator {
 
 class TranscriptOverlayPresenter final : public SwitcherOverlayPresenting {
   public:
-    explicit TranscriptOverlayPresenter(Transcript& transcript) : transcript_(transcript) {}
+    TranscriptOverlayPresenter(std::shared_ptr<SwitcherOverlayPresenting> presenter,
+                               Transcript& transcript)
+        : presenter_(std::move(presenter)), transcript_(transcript) {}
 
-    bool isPresented() const override { return isPresented_; }
+    bool isPresented() const override { return presenter_->isPresented(); }
     void presentSwitcher(const std::vector<SwitchableWindow>& windows,
                          std::ptrdiff_t selectedIndex) override;
     void updateSelection(std::ptrdiff_t selectedIndex) override;
@@ -19,8 +22,8 @@ class TranscriptOverlayPresenter final : public SwitcherOverlayPresenting {
     void dismiss() override;
 
   private:
+    std::shared_ptr<SwitcherOverlayPresenting> presenter_;
     Transcript& transcript_;
-    bool isPresented_ = false;
 };
 
 }  // namespace orvane::simulator

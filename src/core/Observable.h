@@ -31,6 +31,12 @@ class Observable {
         notify();
     }
 
+    // Stores the value and tells every subscriber, changed or not.
+    void replace(Value newValue) {
+        value_ = std::move(newValue);
+        notify();
+    }
+
     ObservationToken subscribe(Observer observer) {
         const ObservationToken token = ++lastToken_;
         observers_.push_back({token, std::move(observer)});

@@ -10,6 +10,9 @@ namespace orvane {
 
 namespace {
 
+// The distributed notification of a locked screen.
+constexpr const char* screenLockedNotification = "com.apple.screenIsLocked";
+
 // The launcher reads no more of a key's text than a composed character needs.
 constexpr std::size_t maximumTypedTextLength = 4;
 
@@ -31,10 +34,124 @@ bool hasCommandOrControl(KeyboardEventFlags flags) {
 GlobalShortcutInterceptor::GlobalShortcutInterceptor(
     std::shared_ptr<SwitcherSessionDriving> sessionDriver,
     std::shared_ptr<LauncherSessionDriving> launcherSessionDriver,
-    std::shared_ptr<PreferencesProviding> preferencesProvider)
+    std::shared_ptr<PreferencesProviding> preferencesProvider, Platform platform)
     : sessionDriver_(std::move(sessionDriver)),
       launcherSessionDriver_(std::move(launcherSessionDriver)),
-      preferencesProvider_(std::move(preferencesProvider)) {}
+      preferencesProvider_(std::move(preferencesProvider)),
+      platform_(std::move(platform)) {}
+
+bool GlobalShortcutInterceptor::installEventTap() {
+    if (eventTap_) {
+        return true;
+    }
+    std::optional<EventTapHandle> tap;
+    if (platform_.eventTaps) {
+        tap = platform_.eventTaps->createTap(
+            event_tap::hidEventTapLocation, event_tap::headInsertPlacement,
+            event_tap::defaultOptions, event_tap::keyboardEventMask,
+            [this](KeyboardEventType type, const KeyboardEvent& event) {
+                return handleEvent(type, event);
+            });
+    }
+    if (!tap) {
+        log_.error("event tap creation failed; accessibility trust is likely missing");
+        return false;
+    }
+    auto source = platform_.eventTaps->createRunLoopSource(*tap);
+    if (!source) {
+        log_.error("event tap run-loop source creation failed");
+        platform_.eventTaps->invalidate(*tap);
+        return false;
+    }
+    eventTap_ = tap;
+    eventTapRunLoopSource_ = source;
+    platform_.runLoop->addSource(*source, RunLoopMode::commonModes);
+    platform_.eventTaps->enableTap(*tap, true);
+    installInterruptionObservers();
+    log_.info("event tap created and enabled");
+    return true;
+}
+
+void GlobalShortcutInterceptor::installInterruptionObservers() {
+    std::weak_ptr<GlobalShortcutInterceptor> weakSelf = weak_from_this();
+    auto observer = [weakSelf](const PlatformNotification& notification) {
+        if (auto self = weakSelf.lock()) {
+            self->resetInteractionState(notification.name);
+        }
+    };
+    for (const char* name :
+         {workspace_notification::willSleep, workspace_notification::screensDidSleep,
+          workspace_notification::sessionDidResignActive}) {
+        workspaceInterruptionObservationTokens_.push_back(
+            platform_.workspaceNotifications->addObserver(name, observer));
+    }
+    distributedInterruptionObservationTokens_.push_back(
+        platform_.distributedNotifications->addObserver(screenLockedNotification, observer));
+}
+
+void GlobalShortcutInterceptor::removeEventTap() {
+    if (!eventTap_) {
+        return;
+    }
+    for (auto token : workspaceInterruptionObservationTokens_) {
+        platform_.workspaceNotifications->removeObserver(token);
+    }
+    workspaceInterruptionObservationTokens_.clear();
+    for (auto token : distributedInterruptionObservationTokens_) {
+        platform_.distributedNotifications->removeObserver(token);
+    }
+    distributedInterruptionObservationTokens_.clear();
+    platform_.eventTaps->enableTap(*eventTap_, false);
+    if (eventTapRunLoopSource_) {
+        platform_.runLoop->removeSource(*eventTapRunLoopSource_, RunLoopMode::commonModes);
+    }
+    platform_.eventTaps->invalidate(*eventTap_);
+    eventTap_.reset();
+    eventTapRunLoopSource_.reset();
+    clearGestureState();
+    sessionDriver_->cancelSession();
+    if (launcherSessionDriver_->isLauncherSessionActive()) {
+        launcherSessionDriver_->endLauncherSession();
+    }
+    log_.info("event tap removed");
+}
+
+void GlobalShortcutInterceptor::resetInteractionState(const std::string& reason) {
+    // A running session is dropped, never committed.
+    sessionDriver_->cancelSession();
+    if (launcherSessionDriver_->isLauncherSessionActive()) {
+        launcherSessionDriver_->endLauncherSession();
+    }
+    clearGestureState();
+    log_.info("interaction state reset (%{public}s)", reason);
+}
+
+void GlobalShortcutInterceptor::clearGestureState() {
+    interactionStateMachine_.state = SwitcherInteractionStateMachine::State::idle;
+    holdModifierIsPressed_ = false;
+    keyCodesWithConsumedKeyDown_.clear();
+}
+
+bool GlobalShortcutInterceptor::isEventTapEnabled() const {
+    return eventTap_ && platform_.eventTaps->isTapEnabled(*eventTap_);
+}
+
+void GlobalShortcutInterceptor::handleTapDisabled(KeyboardEventType type,
+                                                  const SwitcherPreferences& preferences) {
+    if (eventTap_) {
+        platform_.eventTaps->enableTap(*eventTap_, true);
+        log_.error("event tap disabled (type %{public}u); re-enabled", type);
+    }
+    // Key-ups that fell into the gap went to the applications; their key-downs' marks go too.
+    keyCodesWithConsumedKeyDown_.clear();
+    if (!holdModifierIsPressed_ || !platform_.eventTaps) {
+        return;
+    }
+    const auto held = platform_.eventTaps->flagsState(event_tap::combinedSessionState);
+    if (!hasFlag(held, holdModifierMask(preferences.shortcutConfiguration.holdModifier))) {
+        resetInteractionState("hold modifier released while tap was disabled");
+    }
+}
 
 bool GlobalShortcutInterceptor::handleEvent(KeyboardEventType type, const KeyboardEvent& event) {
     switch (type) {
@@ -45,8 +162,11 @@ bool GlobalShortcutInterceptor::handleEvent(KeyboardEventType type, const Keyboa
         case keyboard_event_type::flagsChanged:
             handleFlagsChanged(event, preferencesProvider_->preferences());
             return false;
+        case keyboard_event_type::tapDisabledByTimeout:
+        case keyboard_event_type::tapDisabledByUserInput:
+            handleTapDisabled(type, preferencesProvider_->preferences());
+            return false;
         default:
-            // The tap's own disabled notices included: the tap's lifecycle re-enables it.
             return false;
     }
 }

@@ -4,7 +4,9 @@
 
 #include <memory>
 #include <optional>
+#include <string>
 #include <unordered_set>
+#include <vector>
 
 #include "core/Identifiers.h"
 #include "core/LauncherSessionDriving.h"
@@ -13,15 +15,38 @@
 #include "core/SwitcherInteractionStateMachine.h"
 #include "core/SwitcherSessionDriving.h"
 #include "interception/TypedTextFilter.h"
+#include "platform/EventTapPort.h"
 #include "platform/KeyboardEvent.h"
+#include "platform/NotificationCenterPort.h"
+#include "platform/RunLoopPort.h"
 
 namespace orvane {
 
-class GlobalShortcutInterceptor {
+class GlobalShortcutInterceptor : public std::enable_shared_from_this<GlobalShortcutInterceptor> {
   public:
+    // The platform pieces the tap's lifecycle needs; without them no tap can be installed.
+    struct Platform {
+        std::shared_ptr<EventTapPort> eventTaps;
+        std::shared_ptr<NotificationCenterPort> workspaceNotifications;
+        std::shared_ptr<NotificationCenterPort> distributedNotifications;
+        std::shared_ptr<RunLoopPort> runLoop;
+    };
+
+    // Held by a `std::shared_ptr` when a tap is to be installed: the interruption observers hold
+    // it weakly. It must outlive its tap; the tap's callback holds no reference of its own.
     GlobalShortcutInterceptor(std::shared_ptr<SwitcherSessionDriving> sessionDriver,
                               std::shared_ptr<LauncherSessionDriving> launcherSessionDriver,
-                              std::shared_ptr<PreferencesProviding> preferencesProvider);
+                              std::shared_ptr<PreferencesProviding> preferencesProvider,
+                              Platform platform = {});
+
+    // Creates and enables the tap if there is none; true when a tap exists afterwards.
+    bool installEventTap();
+    // Takes the tap away and ends every gesture.
+    void removeEventTap();
+    // Ends every gesture but keeps the tap; `reason` is for the log.
+    void resetInteractionState(const std::string& reason);
+    bool hasEventTap() const { return eventTap_.has_value(); }
+    bool isEventTapEnabled() const;
 
     // True when the event is to be swallowed. Main thread only; every key event of the desktop
     // passes through here, so outside a gesture it does only a preferences read, the
@@ -37,6 +62,9 @@ class GlobalShortcutInterceptor {
     }
 
   private:
+    void handleTapDisabled(KeyboardEventType type, const SwitcherPreferences& preferences);
+    void installInterruptionObservers();
+    void clearGestureState();
     bool handleKeyDown(const KeyboardEvent& event, const SwitcherPreferences& preferences);
     bool handleKeyUp(const KeyboardEvent& event);
     void handleFlagsChanged(const KeyboardEvent& event, const SwitcherPreferences& preferences);
@@ -49,6 +77,11 @@ class GlobalShortcutInterceptor {
     std::shared_ptr<SwitcherSessionDriving> sessionDriver_;
     std::shared_ptr<LauncherSessionDriving> launcherSessionDriver_;
     std::shared_ptr<PreferencesProviding> preferencesProvider_;
+    Platform platform_;
+    std::optional<EventTapHandle> eventTap_;
+    std::optional<RunLoopSourceHandle> eventTapRunLoopSource_;
+    std::vector<NotificationObservationToken> workspaceInterruptionObservationTokens_;
+    std::vector<NotificationObservationToken> distributedInterruptionObservationTokens_;
     const Logger& log_ = Logger::forCategory(LogCategory::shortcutinterception);
     SwitcherInteractionStateMachine interactionStateMachine_;
     bool holdModifierIsPressed_ = false;

@@ -33,6 +33,14 @@ class AccessibilityPort {
     virtual AttributeReading copyAttributeValue(const AccessibilityElementHandle& element,
                                                 std::string_view attribute) const = 0;
 
+    // `AXUIElementSetAttributeValue`.
+    virtual AccessibilityError setAttributeValue(const AccessibilityElementHandle& element,
+                                                 std::string_view attribute,
+                                                 const AccessibilityValue& value) = 0;
+    // `AXUIElementPerformAction`.
+    virtual AccessibilityError performAction(const AccessibilityElementHandle& element,
+                                             std::string_view action) = 0;
+
     // The application element of a process.
     virtual AccessibilityElementHandle createApplicationElement(ProcessIdentifier process) = 0;
     // Bounds every later call on this element to `seconds`; the call then answers

@@ -13,6 +13,9 @@ struct ImageHandle {
     double pixelHeight = 0;
     // A short description for logs and text renderings.
     std::string description;
+    // The size the image is drawn at, in points; zero when the platform gave none.
+    double pointWidth = 0;
+    double pointHeight = 0;
 
     friend bool operator==(const ImageHandle&, const ImageHandle&) = default;
 };

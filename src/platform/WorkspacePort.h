@@ -17,6 +17,8 @@ class WorkspacePort {
     virtual std::optional<RunningApplication> runningApplication(
         ProcessIdentifier processIdentifier) const = 0;
     virtual std::optional<RunningApplication> frontmostApplication() const = 0;
+    // `activateWithOptions:` on the process's application; false when it didn't take.
+    virtual bool activateApplication(ProcessIdentifier processIdentifier, unsigned options) = 0;
 };
 
 }  // namespace orvane

@@ -52,10 +52,11 @@ TEST_P(ScenarioTranscriptTest, PlaysToTheRecordedTranscript) {
 
 INSTANTIATE_TEST_SUITE_P(
     Scenarios, ScenarioTranscriptTest,
-    testing::Values(GoldenCase{"examples/gesture.scenario",
-                               "tests/apps/scenarios/gesture.transcript"},
-                    GoldenCase{"tests/apps/scenarios/launcher-and-fallbacks.scenario",
-                               "tests/apps/scenarios/launcher-and-fallbacks.transcript"}));
+    testing::Values(
+        GoldenCase{"examples/gesture.scenario", "tests/apps/scenarios/gesture.transcript"},
+        GoldenCase{"examples/launcher.scenario", "tests/apps/scenarios/launcher.transcript"},
+        GoldenCase{"tests/apps/scenarios/launcher-and-fallbacks.scenario",
+                   "tests/apps/scenarios/launcher-and-fallbacks.transcript"}));
 
 TEST(ScenarioTranscript, PlayingTwiceGivesTheSameTranscript) {
     const fs::path scenario = fs::path(ORVANE_SOURCE_DIR) / "examples/gesture.scenario";

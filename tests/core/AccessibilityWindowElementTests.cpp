@@ -53,6 +53,13 @@ class FakeAccessibility final : public AccessibilityPort {
     }
 
     // Element frames read attributes only.
+    AccessibilityError setAttributeValue(const AccessibilityElementHandle&, std::string_view,
+                                         const AccessibilityValue&) override {
+        return accessibility_error::failure;
+    }
+    AccessibilityError performAction(const AccessibilityElementHandle&, std::string_view) override {
+        return accessibility_error::failure;
+    }
     AccessibilityElementHandle createApplicationElement(ProcessIdentifier) override {
         return nullptr;
     }

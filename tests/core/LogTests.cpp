@@ -72,21 +72,8 @@ TEST(Logger, WritesOneRecordWithSubsystemCategoryAndLevel) {
 }
 
 TEST(Logger, EachCategoryHasOneSharedLoggerOfThatCategory) {
-    constexpr LogCategory all[] = {
-        LogCategory::lifecycle,
-        LogCategory::windowenumeration,
-        LogCategory::recencytracking,
-        LogCategory::windowactivation,
-        LogCategory::shortcutinterception,
-        LogCategory::overlay,
-        LogCategory::thumbnailcapture,
-        LogCategory::launcher,
-        LogCategory::permission,
-        LogCategory::softwareupdates,
-        LogCategory::diagnostics,
-        LogCategory::preferences,
-    };
-    for (auto category : all) {
+    for (int index = 0; index <= static_cast<int>(LogCategory::preferences); ++index) {
+        const auto category = static_cast<LogCategory>(index);
         SCOPED_TRACE(std::string(logCategoryName(category)));
         EXPECT_EQ(&Logger::forCategory(category), &Logger::forCategory(category));
         EXPECT_EQ(Logger::forCategory(category).category(), category);

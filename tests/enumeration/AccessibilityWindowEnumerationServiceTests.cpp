@@ -2,10 +2,10 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
-#include <set>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -15,42 +15,45 @@
 #include "enumeration/AccessibilityWindowEnumerationService.h"
 #include "platform/simulated/SimulatedAccessibilityElement.h"
 #include "platform/simulated/SimulatedDesktop.h"
+#include "support/ForwardingAccessibilityPort.h"
 
 namespace orvane {
 namespace {
 
+using ::testing::_;
+using ::testing::Each;
 using ::testing::ElementsAre;
-using ::testing::UnorderedElementsAre;
+using ::testing::Pair;
 using Ids = std::vector<WindowIdentifier>;
 using Lines = std::vector<std::string>;
 using OptionalText = std::optional<std::string>;
 using Dictionary = PropertyListValue::Dictionary;
 
-constexpr ProcessIdentifier ownProcess = 100;
-constexpr ProcessIdentifier editor = 200;
-constexpr ProcessIdentifier browser = 300;
-constexpr ProcessIdentifier troubled = 400;
+constexpr ProcessIdentifier ownProcess = 100, editor = 200, browser = 300, troubled = 400;
 
-const std::string emptyListLine =
+const std::string emptyList =
     "error: CoreGraphics window list is empty; returning no switchable windows";
-const std::string unpaired = "unpaired with any Accessibility window";
-const std::string untitledUnpaired = "untitled and unpaired with any Accessibility window";
-const std::string skippedEntryLine =
+const std::string badEntry =
     "debug: Skipped a window list entry missing its identifier, owner, or bounds";
+const std::string unpaired = "unpaired with any Accessibility window";
+const std::string untitledUnpaired = "untitled and " + unpaired;
 
-// Far enough apart that no two windows of a process pair by frame.
-Rect frameOf(WindowIdentifier identifier) {
-    const double offset = 40.0 * identifier;
-    return Rect{{offset, offset / 2}, {600, 400}};
+std::string listed(int windows, int entries, int skipped) {
+    return "debug: Enumerated " + std::to_string(windows) + " switchable windows from " +
+           std::to_string(entries) + " window list entries (" + std::to_string(skipped) +
+           " skipped)";
 }
-
-SimulatedWindow window(WindowIdentifier identifier, ProcessIdentifier process, OptionalText title) {
-    SimulatedWindow result;
-    result.windowIdentifier = identifier;
-    result.owningProcessIdentifier = process;
-    result.bounds = frameOf(identifier);
-    result.listTitle = std::move(title);
-    return result;
+std::string failed(std::uint32_t options) {
+    return "error: CGWindowListCopyWindowInfo returned nothing for options " +
+           std::to_string(options);
+}
+std::string skipped(WindowIdentifier window, ProcessIdentifier process, const std::string& why) {
+    return "debug: Skipped window " + std::to_string(window) + " of process " +
+           std::to_string(process) + ": " + why;
+}
+std::string unreadable(ProcessIdentifier process, AccessibilityError error) {
+    return "debug: Process " + std::to_string(process) +
+           " exposed no readable Accessibility windows (AXError " + std::to_string(error) + ")";
 }
 
 Ids identifiers(const std::vector<SwitchableWindow>& windows) {
@@ -61,37 +64,11 @@ Ids identifiers(const std::vector<SwitchableWindow>& windows) {
     return result;
 }
 
-std::string listed(int windows, int entries, int skipped) {
-    return "debug: Enumerated " + std::to_string(windows) + " switchable windows from " +
-           std::to_string(entries) + " window list entries (" + std::to_string(skipped) +
-           " skipped)";
-}
-
-std::string failed(std::uint32_t options) {
-    return "error: CGWindowListCopyWindowInfo returned nothing for options " +
-           std::to_string(options);
-}
-
-std::string skippedWindow(WindowIdentifier window, ProcessIdentifier process,
-                          const std::string& reason) {
-    return "debug: Skipped window " + std::to_string(window) + " of process " +
-           std::to_string(process) + ": " + reason;
-}
-
-std::string unreadable(ProcessIdentifier process, AccessibilityError error) {
-    return "debug: Process " + std::to_string(process) +
-           " exposed no readable Accessibility windows (AXError " + std::to_string(error) + ")";
-}
-
-std::string describe(const AccessibilityElementHandle& element) {
-    const auto* simulated = dynamic_cast<const SimulatedAccessibilityElement*>(element.get());
-    if (simulated == nullptr) {
-        return "other element";
-    }
-    if (simulated->isApplication()) {
-        return "application " + std::to_string(simulated->processIdentifier());
-    }
-    return "window " + std::to_string(simulated->windowIdentifier());
+RunningApplication running(ProcessIdentifier process, OptionalText name) {
+    RunningApplication application;
+    application.processIdentifier = process;
+    application.localizedName = std::move(name);
+    return application;
 }
 
 // A simulated desktop, the enumeration log, and the service over the desktop's ports, any of
@@ -104,18 +81,29 @@ struct Harness {
     std::shared_ptr<WorkspacePort> workspace;
 
     void launch(ProcessIdentifier process, OptionalText name, SimulatedApplication launched = {}) {
-        launched.runningApplication.processIdentifier = process;
-        launched.runningApplication.localizedName = std::move(name);
+        launched.runningApplication = running(process, std::move(name));
         ASSERT_TRUE(desktop->launchApplication(std::move(launched)));
     }
-    void add(SimulatedWindow created) { ASSERT_TRUE(desktop->createWindow(std::move(created))); }
+    // Frames far enough apart that no two windows of a process pair by frame.
+    void add(WindowIdentifier identifier, ProcessIdentifier process, OptionalText title,
+             const std::function<void(SimulatedWindow&)>& change = {}) {
+        SimulatedWindow created;
+        created.windowIdentifier = identifier;
+        created.owningProcessIdentifier = process;
+        created.bounds = Rect{{40.0 * identifier, 20.0 * identifier}, {600, 400}};
+        created.listTitle = std::move(title);
+        if (change) {
+            change(created);
+        }
+        ASSERT_TRUE(desktop->createWindow(std::move(created)));
+    }
 
     std::vector<SwitchableWindow> enumerate() {
-        AccessibilityWindowEnumerationService service(
-            ownProcess, windowList ? windowList : desktop->windowListPort(),
-            accessibility ? accessibility : desktop->accessibilityPort(),
-            workspace ? workspace : desktop->workspacePort());
-        return service.enumerateSwitchableWindows();
+        return AccessibilityWindowEnumerationService(
+                   ownProcess, windowList ? windowList : desktop->windowListPort(),
+                   accessibility ? accessibility : desktop->accessibilityPort(),
+                   workspace ? workspace : desktop->workspacePort())
+            .enumerateSwitchableWindows();
     }
 
     double now() const { return desktop->runLoop().now().secondsSinceReferenceDate; }
@@ -124,13 +112,12 @@ struct Harness {
     Lines lines() {
         Lines result;
         for (const auto& record : capture.sink().records()) {
-            if (record.category != LogCategory::windowenumeration) {
-                continue;
+            if (record.category == LogCategory::windowenumeration) {
+                result.push_back((record.level == LogLevel::error  ? "error: "
+                                  : record.level == LogLevel::info ? "info: "
+                                                                   : "debug: ") +
+                                 record.message);
             }
-            const char* level = record.level == LogLevel::error  ? "error: "
-                                : record.level == LogLevel::info ? "info: "
-                                                                 : "debug: ";
-            result.push_back(level + record.message);
         }
         return result;
     }
@@ -143,19 +130,12 @@ class ScriptedWindowList final : public WindowListPort {
                                                     WindowIdentifier) override {
         requestedOptions.push_back(options);
         const auto found = answers.find(options);
-        return found == answers.end() ? std::nullopt : found->second;
+        return found == answers.end() ? std::nullopt : std::optional(found->second);
     }
 
-    std::map<std::uint32_t, std::optional<PropertyListValue>> answers;
+    std::map<std::uint32_t, PropertyListValue> answers;
     std::vector<std::uint32_t> requestedOptions;
 };
-
-RunningApplication running(ProcessIdentifier process, OptionalText name) {
-    RunningApplication application;
-    application.processIdentifier = process;
-    application.localizedName = std::move(name);
-    return application;
-}
 
 // Knows only the applications it is given, and counts the questions per process.
 class ScriptedWorkspace final : public WorkspacePort {
@@ -167,21 +147,31 @@ class ScriptedWorkspace final : public WorkspacePort {
         return found == applications.end() ? std::nullopt : std::optional(found->second);
     }
     std::optional<RunningApplication> frontmostApplication() const override { return {}; }
+    bool activateApplication(ProcessIdentifier, unsigned) override { return false; }
 
     std::map<ProcessIdentifier, RunningApplication> applications;
     mutable std::map<ProcessIdentifier, int> lookups;
 };
 
-// Passes everything to the desktop, noting per element what was asked of it in order, and slips
-// a text and a null element into every "AXWindows" array.
-class RecordingAccessibility final : public AccessibilityPort {
+std::string describe(const AccessibilityElementHandle& element) {
+    const auto* simulated = dynamic_cast<const SimulatedAccessibilityElement*>(element.get());
+    if (simulated == nullptr) {
+        return "other element";
+    }
+    return simulated->isApplication()
+               ? "application " + std::to_string(simulated->processIdentifier())
+               : "window " + std::to_string(simulated->windowIdentifier());
+}
+
+// Notes per element what was asked of it first, and slips a text and a null element into
+// every "AXWindows" array.
+class RecordingAccessibility final : public ForwardingAccessibilityPort {
   public:
-    explicit RecordingAccessibility(std::shared_ptr<AccessibilityPort> inner)
-        : inner_(std::move(inner)) {}
+    using ForwardingAccessibilityPort::ForwardingAccessibilityPort;
 
     AttributeReading copyAttributeValue(const AccessibilityElementHandle& element,
                                         std::string_view attribute) const override {
-        calls[describe(element)].emplace_back(attribute);
+        firstCalls.try_emplace(describe(element), attribute);
         auto reading = inner_->copyAttributeValue(element, attribute);
         auto* items = reading.value
                           ? std::get_if<AccessibilityValue::Array>(&reading.value->storage)
@@ -192,165 +182,70 @@ class RecordingAccessibility final : public AccessibilityPort {
         }
         return reading;
     }
-    AccessibilityElementHandle createApplicationElement(ProcessIdentifier process) override {
-        return inner_->createApplicationElement(process);
-    }
     AccessibilityError setMessagingTimeout(const AccessibilityElementHandle& element,
                                            float seconds) override {
-        std::ostringstream text;
-        text << "timeout " << seconds;
-        calls[describe(element)].push_back(text.str());
+        firstCalls.try_emplace(describe(element), "timeout " + std::to_string(seconds));
         return inner_->setMessagingTimeout(element, seconds);
     }
-    ProcessReading processIdentifier(const AccessibilityElementHandle& element) const override {
-        return inner_->processIdentifier(element);
-    }
-    ObserverCreation createObserver(ProcessIdentifier process, ObserverCallback callback) override {
-        return inner_->createObserver(process, std::move(callback));
-    }
-    AccessibilityError addNotification(const AccessibilityObserverHandle& observer,
-                                       const AccessibilityElementHandle& element,
-                                       std::string_view notification, void* reference) override {
-        return inner_->addNotification(observer, element, notification, reference);
-    }
-    AccessibilityError removeNotification(const AccessibilityObserverHandle& observer,
-                                          const AccessibilityElementHandle& element,
-                                          std::string_view notification) override {
-        return inner_->removeNotification(observer, element, notification);
-    }
-    RunLoopSourceHandle observerRunLoopSource(
-        const AccessibilityObserverHandle& observer) override {
-        return inner_->observerRunLoopSource(observer);
-    }
 
-    mutable std::map<std::string, std::vector<std::string>> calls;
-
-  private:
-    std::shared_ptr<AccessibilityPort> inner_;
+    mutable std::map<std::string, std::string> firstCalls;
 };
 
-// What the switcher shows of each window, one line apiece.
-Lines shown(const std::vector<SwitchableWindow>& windows) {
-    Lines result;
-    for (const auto& window : windows) {
-        const Rect& frame = window.screenFrame;
-        std::ostringstream line;
-        line << window.windowIdentifier << " of " << window.owningProcessIdentifier << " \""
-             << window.owningApplicationName << "\" \"" << window.windowTitle << "\" at ("
-             << frame.minX() << ", " << frame.minY() << ", " << frame.width() << ", "
-             << frame.height() << ")" << (window.isMinimized ? " minimized" : "");
-        result.push_back(line.str());
-    }
-    return result;
-}
-
-// Front to back: window 22 (on screen), 12 (minimized), 21 (off screen), 11 (on screen).
-void addInterleavedWindows(Harness& harness) {
-    harness.launch(editor, "Editor");
-    harness.launch(browser, "Browser");
-    harness.add(window(11, editor, "A"));
-    auto offScreen = window(21, browser, "B");
-    offScreen.isOffScreen = true;
-    harness.add(offScreen);
-    auto minimized = window(12, editor, "C");
-    minimized.isMinimized = true;
-    harness.add(minimized);
-    harness.add(window(22, browser, "D"));
-}
-
-TEST(AccessibilityWindowEnumerationServiceTests, OrdersOnScreenWindowsFirstAndSurvivesListFaults) {
+TEST(AccessibilityWindowEnumerationServiceTests, MergesBothListsOnScreenFirstAndSurvivesBadLists) {
+    enum Answer { real, nothing, notAnArray, nonDictionaryItem, nonTextKey, emptyArray };
     struct Case {
         const char* name;
-        std::set<std::uint32_t> failingOptions;
-        bool malformed;
+        Answer onScreen, full;
         Ids expected;
         Lines lines;
     };
-    const Lines nothingListed = {failed(17), failed(16), emptyListLine};
+    // Front to back: 22 (on screen), 12 (minimized), 21 (off screen), 11 (on screen).
+    const Ids fullOrder{22, 12, 21, 11}, onScreenOnly{22, 11};
+    const Lines fullOnly{failed(17), listed(4, 4, 0)}, noFull{failed(16), listed(2, 2, 0)};
     const Case cases[] = {
-        {"both reads answer", {}, false, {22, 11, 12, 21}, {listed(4, 4, 0)}},
-        {"on-screen read fails", {17}, false, {22, 12, 21, 11}, {failed(17), listed(4, 4, 0)}},
-        {"full read fails", {16}, false, {22, 11}, {failed(16), listed(2, 2, 0)}},
-        {"both reads fail", {17, 16}, false, {}, nothingListed},
-        {"both lists malformed", {}, true, {}, nothingListed},
-    };
-    for (const auto& testCase : cases) {
-        SCOPED_TRACE(testCase.name);
-        Harness harness;
-        addInterleavedWindows(harness);
-        harness.desktop->windowList().failingOptions = testCase.failingOptions;
-        harness.desktop->windowList().answersMalformedList = testCase.malformed;
-
-        EXPECT_EQ(identifiers(harness.enumerate()), testCase.expected);
-        EXPECT_EQ(harness.lines(), testCase.lines);
-        EXPECT_EQ(harness.desktop->windowList().readCount(), 2u);
-        if (testCase.expected.empty()) {
-            EXPECT_EQ(harness.accessibilityReads(), 0u);
-        }
-    }
-}
-
-TEST(AccessibilityWindowEnumerationServiceTests, ReadsBothListsInOrderWhateverTheyAnswer) {
-    enum class Answer { real, nothing, notAnArray, nonDictionaryItem, nonTextKey, emptyArray };
-    using enum Answer;
-    struct Case {
-        const char* name;
-        Answer onScreen;
-        Answer full;
-        Ids expected;
-        Lines lines;
-    };
-    const Case cases[] = {
-        {"both real", real, real, {11, 12}, {listed(2, 2, 0)}},
-        {"on-screen nothing", nothing, real, {12, 11}, {failed(17), listed(2, 2, 0)}},
-        {"on-screen not an array", notAnArray, real, {12, 11}, {failed(17), listed(2, 2, 0)}},
-        {"on-screen non-dictionary",
-         nonDictionaryItem,
-         real,
-         {12, 11},
-         {failed(17), listed(2, 2, 0)}},
-        {"on-screen key not text", nonTextKey, real, {12, 11}, {failed(17), listed(2, 2, 0)}},
-        {"full nothing", real, nothing, {11}, {failed(16), listed(1, 1, 0)}},
-        {"full key not text", real, nonTextKey, {11}, {failed(16), listed(1, 1, 0)}},
-        {"full empty", real, emptyArray, {11}, {listed(1, 1, 0)}},
-        {"both nothing", nothing, nothing, {}, {failed(17), failed(16), emptyListLine}},
-        {"both empty", emptyArray, emptyArray, {}, {emptyListLine}},
+        {"both real", real, real, {22, 11, 12, 21}, {listed(4, 4, 0)}},
+        {"on-screen nothing", nothing, real, fullOrder, fullOnly},
+        {"on-screen not an array", notAnArray, real, fullOrder, fullOnly},
+        {"on-screen item not a dictionary", nonDictionaryItem, real, fullOrder, fullOnly},
+        {"on-screen key not text", nonTextKey, real, fullOrder, fullOnly},
+        {"full nothing", real, nothing, onScreenOnly, noFull},
+        {"full key not text", real, nonTextKey, onScreenOnly, noFull},
+        {"full empty", real, emptyArray, onScreenOnly, {listed(2, 2, 0)}},
+        {"both nothing", nothing, nothing, {}, {failed(17), failed(16), emptyList}},
+        {"both empty", emptyArray, emptyArray, {}, {emptyList}},
     };
     for (const auto& testCase : cases) {
         SCOPED_TRACE(testCase.name);
         Harness harness;
         harness.launch(editor, "Editor");
-        harness.add(window(11, editor, "Draft"));
-        auto minimized = window(12, editor, "Notes");
-        minimized.isMinimized = true;
-        harness.add(minimized);
+        harness.launch(browser, "Browser");
+        harness.add(11, editor, "A");
+        harness.add(21, browser, "B", [](auto& window) { window.isOffScreen = true; });
+        harness.add(12, editor, "C", [](auto& window) { window.isMinimized = true; });
+        harness.add(22, browser, "D");
         auto list = std::make_shared<ScriptedWindowList>();
-        for (const auto& [options, answer] :
+        for (auto [options, answer] :
              {std::pair{17u, testCase.onScreen}, std::pair{16u, testCase.full}}) {
-            auto simulated = harness.desktop->windowList().copyWindowInfo(options, 0);
-            auto items = *simulated->array();
-            auto& first = items.front();
+            auto items = *harness.desktop->windowList().copyWindowInfo(options, 0)->array();
             switch (answer) {
-                case real:
-                    list->answers[options] = simulated;
-                    break;
                 case nothing:
-                    break;
+                    continue;
                 case notAnArray:
-                    list->answers[options] = first;
-                    break;
+                    list->answers[options] = items.front();
+                    continue;
                 case nonDictionaryItem:
                     items.emplace_back("not a dictionary");
-                    list->answers[options] = PropertyListValue{items};
                     break;
                 case nonTextKey:
-                    std::get<Dictionary>(first.storage).emplace_back(PropertyListValue{5}, "five");
-                    list->answers[options] = PropertyListValue{items};
+                    std::get<Dictionary>(items.front().storage).emplace_back(5, "five");
                     break;
                 case emptyArray:
-                    list->answers[options] = PropertyListValue{PropertyListValue::Array{}};
+                    items.clear();
+                    break;
+                case real:
                     break;
             }
+            list->answers[options] = PropertyListValue{items};
         }
         harness.windowList = list;
 
@@ -363,6 +258,8 @@ TEST(AccessibilityWindowEnumerationServiceTests, ReadsBothListsInOrderWhateverTh
     }
 }
 
+// Both lists carry the one entry, so a bad entry is skipped by each read and a good one is
+// listed once.
 TEST(AccessibilityWindowEnumerationServiceTests, ParsesEachWindowListKeyByItsRule) {
     struct Case {
         const char* name;
@@ -370,60 +267,47 @@ TEST(AccessibilityWindowEnumerationServiceTests, ParsesEachWindowListKeyByItsRul
         // Replaces the key's value; nothing removes the key.
         std::optional<PropertyListValue> value;
         Lines lines;
-        // "title / application" of the one window shown, if it is.
-        std::vector<std::string> windows;
+        // "title / application" of the window shown; empty when it is not.
+        std::string shown;
     };
-    const Lines skipped = {skippedEntryLine, emptyListLine};
-    const Lines included = {listed(1, 1, 0)};
-    const std::vector<std::string> fromList = {"Draft / List Editor"};
-    const PropertyListValue boundsWithoutHeight =
-        Dictionary{{"X", 440.0}, {"Y", 220.0}, {"Width", 600.0}};
-    const PropertyListValue boundsWithTextWidth =
+    const Lines skip{badEntry, badEntry, emptyList}, kept{listed(1, 1, 0)};
+    const Lines layered{skipped(11, editor, "not on the standard window layer"), listed(0, 1, 1)};
+    const Lines transparent{skipped(11, editor, "fully transparent"), listed(0, 1, 1)};
+    const std::string fromList = "Draft / List Editor", unknown = "Draft / Unknown application";
+    const PropertyListValue noHeight = Dictionary{{"X", 440.0}, {"Y", 220.0}, {"Width", 600.0}};
+    const PropertyListValue textWidth =
         Dictionary{{"X", 440.0}, {"Y", 220.0}, {"Width", "600"}, {"Height", 400.0}};
     namespace key = window_list_key;
     const Case cases[] = {
-        {"complete", key::number, 11, included, fromList},
-        {"number missing", key::number, std::nullopt, skipped, {}},
-        {"number is text", key::number, "11", skipped, {}},
-        {"number negative", key::number, -1, skipped, {}},
-        {"number past 32 bits", key::number, std::int64_t{1} << 32, skipped, {}},
-        {"owner missing", key::ownerProcessIdentifier, std::nullopt, skipped, {}},
-        {"owner is text", key::ownerProcessIdentifier, "200", skipped, {}},
-        {"owner past 31 bits", key::ownerProcessIdentifier, std::int64_t{1} << 31, skipped, {}},
-        {"bounds missing", key::bounds, std::nullopt, skipped, {}},
-        {"bounds is text", key::bounds, "440 220 600 400", skipped, {}},
-        {"bounds lacks height", key::bounds, boundsWithoutHeight, skipped, {}},
-        {"bounds width is text", key::bounds, boundsWithTextWidth, skipped, {}},
-        {"title missing", key::name, std::nullopt, included, {"AX Draft / List Editor"}},
-        {"title is a number", key::name, 7, included, {"AX Draft / List Editor"}},
-        {"owner name missing",
-         key::ownerName,
-         std::nullopt,
-         included,
-         {"Draft / Unknown application"}},
-        {"owner name is a number", key::ownerName, 7, included, {"Draft / Unknown application"}},
-        {"layer missing", key::layer, std::nullopt, included, fromList},
-        {"layer is text", key::layer, "25", included, fromList},
-        {"layer 25",
-         key::layer,
-         25,
-         {skippedWindow(11, 200, "not on the standard window layer"), listed(0, 1, 1)},
-         {}},
-        {"alpha missing", key::alpha, std::nullopt, included, fromList},
-        {"alpha is text", key::alpha, "0", included, fromList},
-        {"alpha zero",
-         key::alpha,
-         0.0,
-         {skippedWindow(11, 200, "fully transparent"), listed(0, 1, 1)},
-         {}},
+        {"complete", key::number, 11, kept, fromList},
+        {"number missing", key::number, std::nullopt, skip, ""},
+        {"number is text", key::number, "11", skip, ""},
+        {"number negative", key::number, -1, skip, ""},
+        {"number past 32 bits", key::number, std::int64_t{1} << 32, skip, ""},
+        {"owner missing", key::ownerProcessIdentifier, std::nullopt, skip, ""},
+        {"owner is text", key::ownerProcessIdentifier, "200", skip, ""},
+        {"owner past 31 bits", key::ownerProcessIdentifier, std::int64_t{1} << 31, skip, ""},
+        {"bounds missing", key::bounds, std::nullopt, skip, ""},
+        {"bounds is text", key::bounds, "440 220 600 400", skip, ""},
+        {"bounds lacks height", key::bounds, noHeight, skip, ""},
+        {"bounds width is text", key::bounds, textWidth, skip, ""},
+        {"title missing", key::name, std::nullopt, kept, "AX Draft / List Editor"},
+        {"title is a number", key::name, 7, kept, "AX Draft / List Editor"},
+        {"owner name missing", key::ownerName, std::nullopt, kept, unknown},
+        {"owner name is a number", key::ownerName, 7, kept, unknown},
+        {"layer missing", key::layer, std::nullopt, kept, fromList},
+        {"layer is text", key::layer, "25", kept, fromList},
+        {"layer 25", key::layer, 25, layered, ""},
+        {"alpha missing", key::alpha, std::nullopt, kept, fromList},
+        {"alpha is text", key::alpha, "0", kept, fromList},
+        {"alpha zero", key::alpha, 0.0, transparent, ""},
     };
     for (const auto& testCase : cases) {
         SCOPED_TRACE(testCase.name);
         Harness harness;
         harness.launch(editor, "List Editor");
-        auto draft = window(11, editor, "Draft");
-        draft.accessibilityTitle = "AX Draft";
-        harness.add(draft);
+        harness.add(11, editor, "Draft",
+                    [](auto& window) { window.accessibilityTitle = "AX Draft"; });
         auto items = *harness.desktop->windowList().copyWindowInfo(17, 0)->array();
         auto& dictionary = std::get<Dictionary>(items.front().storage);
         std::erase_if(dictionary,
@@ -432,42 +316,18 @@ TEST(AccessibilityWindowEnumerationServiceTests, ParsesEachWindowListKeyByItsRul
             dictionary.emplace_back(testCase.key, *testCase.value);
         }
         auto list = std::make_shared<ScriptedWindowList>();
-        list->answers[17] = PropertyListValue{items};
-        list->answers[16] = PropertyListValue{PropertyListValue::Array{}};
+        list->answers = {{17, PropertyListValue{items}}, {16, PropertyListValue{items}}};
         harness.windowList = list;
         // No running application: the list's owner name is all there is.
         harness.workspace = std::make_shared<ScriptedWorkspace>();
 
-        std::vector<std::string> windows;
+        std::string shown;
         for (const auto& window : harness.enumerate()) {
-            windows.push_back(window.windowTitle + " / " + window.owningApplicationName);
+            shown += window.windowTitle + " / " + window.owningApplicationName;
         }
-        EXPECT_EQ(windows, testCase.windows);
+        EXPECT_EQ(shown, testCase.shown);
         EXPECT_EQ(harness.lines(), testCase.lines);
     }
-}
-
-TEST(AccessibilityWindowEnumerationServiceTests, SkipsEntriesMissingRequiredKeysInEachList) {
-    Harness harness;
-    harness.launch(editor, "Editor");
-    auto offScreen = window(11, editor, "Hidden");
-    offScreen.isOffScreen = true;
-    offScreen.missingWindowListKeys = {window_list_key::bounds};
-    harness.add(offScreen);
-    auto onScreen = window(12, editor, "Shown");
-    onScreen.missingWindowListKeys = {window_list_key::number};
-    harness.add(onScreen);
-    auto nameless = window(13, editor, "Kept");
-    nameless.accessibilityTitle = "Nameless";
-    nameless.missingWindowListKeys = {window_list_key::name, window_list_key::ownerName};
-    harness.add(nameless);
-
-    const auto windows = harness.enumerate();
-    EXPECT_EQ(identifiers(windows), (Ids{13}));
-    EXPECT_EQ(windows.front().windowTitle, "Nameless");
-    // The on-screen window is skipped by both reads, the off-screen one by the full read alone.
-    EXPECT_EQ(harness.lines(),
-              (Lines{skippedEntryLine, skippedEntryLine, skippedEntryLine, listed(1, 1, 0)}));
 }
 
 TEST(AccessibilityWindowEnumerationServiceTests, FillsEachRecordFromBothViews) {
@@ -475,78 +335,69 @@ TEST(AccessibilityWindowEnumerationServiceTests, FillsEachRecordFromBothViews) {
     harness.launch(editor, "Editor");
     harness.launch(browser, "Browser");
     // Paired by frame alone: the Accessibility tree places it 2 points off and titles it otherwise.
-    auto shifted = window(11, editor, "Draft");
-    shifted.accessibilityTitle = "Draft (edited)";
-    shifted.accessibilityFrame = Rect{{442, 218}, {602, 398}};
-    harness.add(shifted);
-    auto withheldTitle = window(12, editor, std::nullopt);
-    withheldTitle.accessibilityTitle = "Inbox";
-    harness.add(withheldTitle);
-    auto minimized = window(13, editor, "Archive");
-    minimized.isMinimized = true;
-    harness.add(minimized);
-    auto unreadableMinimized = window(14, editor, "Old");
-    unreadableMinimized.isMinimized = true;
-    unreadableMinimized.wronglyTypedAttributes = {"AXMinimized"};
-    harness.add(unreadableMinimized);
-    auto unreadableTitle = window(15, editor, std::nullopt);
-    unreadableTitle.accessibilityTitle = "Hidden";
-    unreadableTitle.wronglyTypedAttributes = {"AXTitle"};
-    harness.add(unreadableTitle);
-    auto unreadableSubrole = window(21, browser, "Docs");
-    unreadableSubrole.subrole = "AXDialog";
-    unreadableSubrole.wronglyTypedAttributes = {"AXSubrole"};
-    harness.add(unreadableSubrole);
-    auto dialog = window(22, browser, "Preferences");
-    dialog.subrole = "AXDialog";
-    harness.add(dialog);
-    auto noSubrole = window(23, browser, "Tab");
-    noSubrole.subrole = std::nullopt;
-    harness.add(noSubrole);
+    harness.add(11, editor, "Draft", [](auto& window) {
+        window.accessibilityTitle = "Draft (edited)";
+        window.accessibilityFrame = Rect{{442, 218}, {602, 398}};
+    });
+    harness.add(12, editor, std::nullopt,
+                [](auto& window) { window.accessibilityTitle = "Inbox"; });
+    harness.add(13, editor, "Archive", [](auto& window) { window.isMinimized = true; });
+    harness.add(14, editor, "Old", [](auto& window) {
+        window.isMinimized = true;
+        window.wronglyTypedAttributes = {"AXMinimized"};
+    });
+    harness.add(15, editor, std::nullopt, [](auto& window) {
+        window.accessibilityTitle = "Hidden";
+        window.wronglyTypedAttributes = {"AXTitle"};
+    });
+    harness.add(21, browser, "Docs", [](auto& window) {
+        window.subrole = "AXDialog";
+        window.wronglyTypedAttributes = {"AXSubrole"};
+    });
+    harness.add(22, browser, "Preferences", [](auto& window) { window.subrole = "AXDialog"; });
+    harness.add(23, browser, "Tab", [](auto& window) { window.subrole = std::nullopt; });
+    // Without a readable frame only the title pairs; 43's frame alone would pair it.
+    harness.launch(troubled, "Troubled");
+    harness.add(41, troubled, "Notes",
+                [](auto& window) { window.wronglyTypedAttributes = {"AXSize"}; });
+    harness.add(42, troubled, std::nullopt, [](auto& window) {
+        window.accessibilityTitle = "Scratch";
+        window.wronglyTypedAttributes = {"AXSize"};
+    });
+    harness.add(43, troubled, "Report", [](auto& window) {
+        window.accessibilityTitle = "Summary";
+        window.wronglyTypedAttributes = {"AXPosition"};
+    });
 
     const auto windows = harness.enumerate();
 
-    EXPECT_EQ(shown(windows),
-              (Lines{R"(23 of 300 "Browser" "Tab" at (920, 460, 600, 400))",
-                     R"(21 of 300 "Browser" "Docs" at (840, 420, 600, 400))",
-                     R"(15 of 200 "Editor" "" at (600, 300, 600, 400))",
-                     R"(12 of 200 "Editor" "Inbox" at (480, 240, 600, 400))",
-                     R"(11 of 200 "Editor" "Draft" at (440, 220, 600, 400))",
-                     R"(14 of 200 "Editor" "Old" at (560, 280, 600, 400))",
-                     R"(13 of 200 "Editor" "Archive" at (520, 260, 600, 400) minimized)"}));
+    Lines shown;
     for (const auto& window : windows) {
-        SCOPED_TRACE(window.windowIdentifier);
+        const Rect& frame = window.screenFrame;
+        std::ostringstream line;
+        line << window.windowIdentifier << " of " << window.owningProcessIdentifier << " \""
+             << window.owningApplicationName << "\" \"" << window.windowTitle << "\" at ("
+             << frame.minX() << ", " << frame.minY() << ", " << frame.width() << ", "
+             << frame.height() << ")" << (window.isMinimized ? " minimized" : "");
+        shown.push_back(line.str());
         EXPECT_EQ(window.lastFocusedTimestamp, Date::distantPast());
         ASSERT_NE(window.accessibilityElement, nullptr);
         EXPECT_EQ(*window.accessibilityElement,
                   AccessibilityWindowElement(SimulatedAccessibility::windowElement(
                       window.owningProcessIdentifier, window.windowIdentifier)));
     }
+    EXPECT_EQ(shown, (Lines{R"(41 of 400 "Troubled" "Notes" at (1640, 820, 600, 400))",
+                            R"(23 of 300 "Browser" "Tab" at (920, 460, 600, 400))",
+                            R"(21 of 300 "Browser" "Docs" at (840, 420, 600, 400))",
+                            R"(15 of 200 "Editor" "" at (600, 300, 600, 400))",
+                            R"(12 of 200 "Editor" "Inbox" at (480, 240, 600, 400))",
+                            R"(11 of 200 "Editor" "Draft" at (440, 220, 600, 400))",
+                            R"(14 of 200 "Editor" "Old" at (560, 280, 600, 400))",
+                            R"(13 of 200 "Editor" "Archive" at (520, 260, 600, 400) minimized)"}));
     EXPECT_EQ(harness.lines(),
-              (Lines{skippedWindow(22, browser, "Accessibility subrole is not a standard window"),
-                     listed(7, 8, 1)}));
-}
-
-TEST(AccessibilityWindowEnumerationServiceTests, WindowWithoutReadableFramePairsByTitleAlone) {
-    Harness harness;
-    harness.launch(editor, "Editor");
-    auto titled = window(11, editor, "Notes");
-    titled.wronglyTypedAttributes = {"AXSize"};
-    harness.add(titled);
-    auto untitled = window(12, editor, std::nullopt);
-    untitled.accessibilityTitle = "Scratch";
-    untitled.wronglyTypedAttributes = {"AXSize"};
-    harness.add(untitled);
-    // Its frame alone would pair it, despite the differing titles.
-    auto retitled = window(13, editor, "Report");
-    retitled.accessibilityTitle = "Summary";
-    retitled.wronglyTypedAttributes = {"AXPosition"};
-    harness.add(retitled);
-
-    EXPECT_EQ(identifiers(harness.enumerate()), (Ids{11}));
-    EXPECT_EQ(harness.lines(),
-              (Lines{skippedWindow(13, editor, unpaired),
-                     skippedWindow(12, editor, untitledUnpaired), listed(1, 3, 2)}));
+              (Lines{skipped(43, troubled, unpaired), skipped(42, troubled, untitledUnpaired),
+                     skipped(22, browser, "Accessibility subrole is not a standard window"),
+                     listed(8, 11, 3)}));
 }
 
 TEST(AccessibilityWindowEnumerationServiceTests, ProcessWithoutReadableWindowsLosesOnlyItsOwn) {
@@ -557,73 +408,44 @@ TEST(AccessibilityWindowEnumerationServiceTests, ProcessWithoutReadableWindowsLo
         double responseDelay;
         bool inAccessibilityTree;
         Lines faultLines;
+        double secondsTaken;
     };
+    const Lines refused{unreadable(troubled, -25211)}, hung{unreadable(troubled, -25204)};
+    const Lines notArray{"debug: Process 400 returned a non-array Accessibility windows attribute"};
     const Case cases[] = {
-        {"refuses",
-         accessibility_error::apiDisabled,
-         false,
-         0,
-         true,
-         {unreadable(troubled, -25211)}},
-        {"answers a text",
-         std::nullopt,
-         true,
-         0,
-         true,
-         {"debug: Process 400 returned a non-array Accessibility windows attribute"}},
-        {"hangs", std::nullopt, false, 10, true, {unreadable(troubled, -25204)}},
-        {"lists no windows", std::nullopt, false, 0, false, {}},
+        {"refuses", accessibility_error::apiDisabled, false, 0, true, refused, 0},
+        {"answers a text", std::nullopt, true, 0, true, notArray, 0},
+        // Only its application element is asked, and gives up at the timeout.
+        {"hangs", std::nullopt, false, 10, true, hung, 0.25},
+        {"lists no windows", std::nullopt, false, 0, false, {}, 0},
     };
     for (const auto& testCase : cases) {
         SCOPED_TRACE(testCase.name);
         Harness harness;
         harness.launch(editor, "Editor");
-        harness.add(window(11, editor, "Draft"));
+        harness.add(11, editor, "Draft");
         SimulatedApplication application;
         application.windowsAttributeError = testCase.windowsError;
         application.windowsAttributeIsNotArray = testCase.windowsNotArray;
         application.accessibilityResponseDelay = testCase.responseDelay;
         harness.launch(troubled, "Troubled", application);
-        for (auto created : {window(41, troubled, "Secret"), window(42, troubled, std::nullopt)}) {
-            created.isInAccessibilityTree = testCase.inAccessibilityTree;
-            harness.add(created);
-        }
+        const auto inTree = [&](auto& window) {
+            window.isInAccessibilityTree = testCase.inAccessibilityTree;
+        };
+        harness.add(41, troubled, "Secret", inTree);
+        harness.add(42, troubled, std::nullopt, inTree);
+        const double start = harness.now();
 
         EXPECT_EQ(identifiers(harness.enumerate()), (Ids{11}));
+        EXPECT_EQ(harness.now() - start, testCase.secondsTaken);
         Lines expected = testCase.faultLines;
-        expected.insert(expected.end(), {skippedWindow(42, troubled, untitledUnpaired),
-                                         skippedWindow(41, troubled, unpaired), listed(1, 3, 2)});
+        expected.insert(expected.end(), {skipped(42, troubled, untitledUnpaired),
+                                         skipped(41, troubled, unpaired), listed(1, 3, 2)});
         EXPECT_EQ(harness.lines(), expected);
     }
 }
 
-TEST(AccessibilityWindowEnumerationServiceTests, ElementReadsAreBoundByTheMessagingTimeout) {
-    Harness hung;
-    hung.launch(editor, "Editor");
-    hung.add(window(11, editor, "Draft"));
-    SimulatedApplication frozen;
-    frozen.accessibilityResponseDelay = 10;
-    hung.launch(troubled, "Frozen", frozen);
-    hung.add(window(41, troubled, "One"));
-    hung.add(window(42, troubled, "Two"));
-    const double hungStart = hung.now();
-    EXPECT_EQ(identifiers(hung.enumerate()), (Ids{11}));
-    // Only its application element was asked, and gave up at the timeout.
-    EXPECT_EQ(hung.now() - hungStart, 0.25);
-
-    Harness slow;
-    SimulatedApplication sluggish;
-    sluggish.accessibilityResponseDelay = 0.125;
-    slow.launch(editor, "Editor", sluggish);
-    slow.add(window(11, editor, "Draft"));
-    const double slowStart = slow.now();
-    EXPECT_EQ(identifiers(slow.enumerate()), (Ids{11}));
-    EXPECT_EQ(slow.accessibilityReads(), 6u);
-    EXPECT_EQ(slow.now() - slowStart, 0.75);
-}
-
-TEST(AccessibilityWindowEnumerationServiceTests,
-     SetsTimeoutBeforeReadingAnyElementOfOtherProcesses) {
+TEST(AccessibilityWindowEnumerationServiceTests, SetsTimeoutBeforeReadingOtherProcessesOnly) {
     Harness harness;
     // Any read of the program's own tree would cost time or fail.
     SimulatedApplication self;
@@ -631,13 +453,11 @@ TEST(AccessibilityWindowEnumerationServiceTests,
     harness.launch(ownProcess, "Orvane", self);
     harness.launch(editor, "Editor");
     harness.launch(browser, "Browser");
-    harness.add(window(1, ownProcess, "Switcher"));
-    harness.add(window(11, editor, "Draft"));
-    harness.add(window(12, editor, std::nullopt));
+    harness.add(1, ownProcess, "Switcher");
+    harness.add(11, editor, "Draft");
+    harness.add(12, editor, std::nullopt);
     // The browser's only entry is a menu, yet its tree is still read.
-    auto menu = window(21, browser, "Menu");
-    menu.layer = 25;
-    harness.add(menu);
+    harness.add(21, browser, "Menu", [](auto& window) { window.layer = 25; });
     auto recording = std::make_shared<RecordingAccessibility>(harness.desktop->accessibilityPort());
     harness.accessibility = recording;
     const double start = harness.now();
@@ -645,106 +465,66 @@ TEST(AccessibilityWindowEnumerationServiceTests,
     EXPECT_EQ(identifiers(harness.enumerate()), (Ids{12, 11}));
 
     EXPECT_EQ(harness.now(), start);
-    std::vector<std::string> elements;
-    for (const auto& [element, calls] : recording->calls) {
-        elements.push_back(element);
-    }
-    EXPECT_THAT(elements, ElementsAre("application 200", "application 300", "window 11",
-                                      "window 12", "window 21"));
-    const std::vector<std::string> applicationCalls = {"timeout 0.25", "AXWindows"};
-    EXPECT_EQ(recording->calls["application 200"], applicationCalls);
-    EXPECT_EQ(recording->calls["application 300"], applicationCalls);
-    for (const char* element : {"window 11", "window 12", "window 21"}) {
-        SCOPED_TRACE(element);
-        auto calls = recording->calls[element];
-        ASSERT_FALSE(calls.empty());
-        EXPECT_EQ(calls.front(), "timeout 0.25");
-        calls.erase(calls.begin());
-        EXPECT_THAT(calls, UnorderedElementsAre("AXTitle", "AXPosition", "AXSize", "AXSubrole",
-                                                "AXMinimized"));
-    }
+    const std::string timeout = "timeout 0.250000";
+    EXPECT_EQ(recording->firstCalls,
+              (std::map<std::string, std::string>{{"application 200", timeout},
+                                                  {"application 300", timeout},
+                                                  {"window 11", timeout},
+                                                  {"window 12", timeout},
+                                                  {"window 21", timeout}}));
+    // "AXWindows" of each application, then title, position, size, subrole and minimized state.
+    EXPECT_EQ(harness.accessibilityReads(), 2u + 3 * 5);
     EXPECT_EQ(harness.desktop->accessibility().messagingTimeoutsSet(),
               std::vector<float>(5, 0.25f));
-    EXPECT_EQ(
-        harness.lines(),
-        (Lines{skippedWindow(21, browser, "not on the standard window layer"),
-               skippedWindow(1, ownProcess, "owned by the current process"), listed(2, 4, 2)}));
-}
-
-TEST(AccessibilityWindowEnumerationServiceTests,
-     OwnWindowsAloneAreSkippedWithoutAnyAccessibilityCall) {
-    Harness harness;
-    harness.launch(ownProcess, "Orvane");
-    harness.add(window(7, ownProcess, "Switcher"));
-
-    EXPECT_TRUE(harness.enumerate().empty());
-    EXPECT_EQ(harness.accessibilityReads(), 0u);
-    EXPECT_TRUE(harness.desktop->accessibility().messagingTimeoutsSet().empty());
     EXPECT_EQ(harness.lines(),
-              (Lines{"debug: Skipped window 7 of process 100: owned by the current process",
-                     listed(0, 1, 1)}));
+              (Lines{skipped(21, browser, "not on the standard window layer"),
+                     skipped(1, ownProcess, "owned by the current process"), listed(2, 4, 2)}));
 }
 
-TEST(AccessibilityWindowEnumerationServiceTests, NamesApplicationByWorkspaceThenListThenDefault) {
+// The workspace's name, else the window list's owner name, else a default; looked up once per
+// process and enumeration, so a renamed application shows its new name at the next one.
+TEST(AccessibilityWindowEnumerationServiceTests, NamesEachApplicationOncePerEnumeration) {
     struct Case {
-        const char* name;
-        std::optional<RunningApplication> running;
-        OptionalText ownerName;
-        std::string expected;
+        ProcessIdentifier process;
+        bool running;
+        OptionalText runningName, ownerName;
     };
-    const auto named = running(editor, "Workspace Mail");
-    const auto unnamed = running(editor, std::nullopt);
     const Case cases[] = {
-        {"running with a name", named, "List Mail", "Workspace Mail"},
-        {"running without a name", unnamed, "List Mail", "List Mail"},
-        {"not running", std::nullopt, "List Mail", "List Mail"},
-        {"not running, empty owner name", std::nullopt, "", ""},
-        {"not running, no owner name", std::nullopt, std::nullopt, "Unknown application"},
-        {"running without a name, no owner name", unnamed, std::nullopt, "Unknown application"},
+        {201, true, "Workspace Mail", "List Mail"}, {202, true, std::nullopt, "List Mail"},
+        {203, false, std::nullopt, "List Mail"},    {204, false, std::nullopt, ""},
+        {205, false, std::nullopt, std::nullopt},   {206, true, std::nullopt, std::nullopt},
     };
-    for (const auto& testCase : cases) {
-        SCOPED_TRACE(testCase.name);
-        Harness harness;
-        // The simulated list takes the owner name from the simulated application.
-        harness.launch(editor, testCase.ownerName);
-        harness.add(window(11, editor, "Draft"));
-        auto workspace = std::make_shared<ScriptedWorkspace>();
-        if (testCase.running) {
-            workspace->applications[editor] = *testCase.running;
-        }
-        harness.workspace = workspace;
-
-        const auto windows = harness.enumerate();
-        ASSERT_EQ(windows.size(), 1u);
-        EXPECT_EQ(windows.front().owningApplicationName, testCase.expected);
-    }
-}
-
-TEST(AccessibilityWindowEnumerationServiceTests, LooksUpEachApplicationOncePerEnumeration) {
     Harness harness;
-    harness.launch(editor, "Editor");
-    harness.launch(browser, "Browser");
-    harness.add(window(11, editor, "One"));
-    harness.add(window(21, browser, "Two"));
-    harness.add(window(12, editor, "Three"));
-    harness.add(window(13, editor, "Four"));
     auto workspace = std::make_shared<ScriptedWorkspace>();
-    workspace->applications[editor] = running(editor, "Editor");
-    workspace->applications[browser] = running(browser, "Browser");
+    for (const auto& testCase : cases) {
+        // The simulated list takes the owner name from the simulated application.
+        harness.launch(testCase.process, testCase.ownerName);
+        harness.add(testCase.process - 200, testCase.process, "Draft");
+        if (testCase.running) {
+            workspace->applications[testCase.process] =
+                running(testCase.process, testCase.runningName);
+        }
+    }
+    harness.add(7, 201, "Second");
     AccessibilityWindowEnumerationService service(ownProcess, harness.desktop->windowListPort(),
                                                   harness.desktop->accessibilityPort(), workspace);
+    const auto names = [&] {
+        std::vector<std::string> result;
+        for (const auto& window : service.enumerateSwitchableWindows()) {
+            result.push_back(window.owningApplicationName);
+        }
+        return result;
+    };
+    const std::string unknown = "Unknown application";
 
-    service.enumerateSwitchableWindows();
-    EXPECT_EQ(workspace->lookups, (std::map<ProcessIdentifier, int>{{editor, 1}, {browser, 1}}));
-
-    // A renamed application shows its new name at the next enumeration.
-    workspace->applications[editor].localizedName = "Renamed";
-    std::vector<std::string> names;
-    for (const auto& window : service.enumerateSwitchableWindows()) {
-        names.push_back(window.owningApplicationName);
-    }
-    EXPECT_THAT(names, ElementsAre("Renamed", "Renamed", "Browser", "Renamed"));
-    EXPECT_EQ(workspace->lookups, (std::map<ProcessIdentifier, int>{{editor, 2}, {browser, 2}}));
+    EXPECT_THAT(names(), ElementsAre("Workspace Mail", unknown, unknown, "", "List Mail",
+                                     "List Mail", "Workspace Mail"));
+    EXPECT_THAT(workspace->lookups, Each(Pair(_, 1)));
+    workspace->applications[201].localizedName = "Renamed";
+    EXPECT_THAT(names(),
+                ElementsAre("Renamed", unknown, unknown, "", "List Mail", "List Mail", "Renamed"));
+    EXPECT_THAT(workspace->lookups, Each(Pair(_, 2)));
+    EXPECT_EQ(workspace->lookups.size(), 6u);
 }
 
 }  // namespace

@@ -49,7 +49,7 @@ std::vector<std::string> keys(const PropertyListValue& entry) {
     return result;
 }
 
-TEST(SimulatedDesktopWindowListTests, OnScreenReadsLeaveOutMinimizedAndOffScreenWindows) {
+TEST(SimulatedDesktopWindowListTests, OnScreenReadsLeaveOutHiddenWindowsAndFaultsMatchTheMask) {
     auto desktop = desktopWithEditor();
     desktop->createWindow(window(1));
     auto minimized = window(2);
@@ -64,6 +64,13 @@ TEST(SimulatedDesktopWindowListTests, OnScreenReadsLeaveOutMinimizedAndOffScreen
     EXPECT_EQ(identifiers(list.copyWindowInfo(17, 0)), (Ids{4, 1}));
     EXPECT_EQ(identifiers(list.copyWindowInfo(1, 0)), (Ids{4, 1}));
     EXPECT_EQ(identifiers(list.copyWindowInfo(16, 0)), (Ids{4, 3, 2, 1}));
+
+    list.failingOptions = {17};
+    EXPECT_FALSE(list.copyWindowInfo(17, 0).has_value());
+    EXPECT_EQ(identifiers(list.copyWindowInfo(1, 0)), (Ids{4, 1}));
+    list.answersMalformedList = true;
+    EXPECT_EQ(list.copyWindowInfo(16, 0)->array()->front().dictionary(), nullptr);
+    EXPECT_EQ(list.readCount(), 6u);
 }
 
 TEST(SimulatedDesktopWindowListTests, DictionaryHoldsEveryKeyNotLeftOut) {
@@ -99,18 +106,6 @@ TEST(SimulatedDesktopWindowListTests, DictionaryHoldsEveryKeyNotLeftOut) {
     unnamed->createWindow(window(1));
     const auto unnamedList = unnamed->windowList().copyWindowInfo(16, 0);
     EXPECT_EQ(unnamedList->array()->front().find(window_list_key::ownerName), nullptr);
-}
-
-TEST(SimulatedDesktopWindowListTests, FailingOptionsMatchTheWholeMaskAndReadsAreCounted) {
-    auto desktop = desktopWithEditor();
-    desktop->createWindow(window(1));
-    auto& list = desktop->windowList();
-    list.failingOptions = {17};
-
-    EXPECT_FALSE(list.copyWindowInfo(17, 0).has_value());
-    EXPECT_EQ(identifiers(list.copyWindowInfo(16, 0)), (Ids{1}));
-    EXPECT_EQ(identifiers(list.copyWindowInfo(1, 0)), (Ids{1}));
-    EXPECT_EQ(list.readCount(), 3u);
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 
 #include <memory>
 #include <optional>
-#include <ostream>
 #include <set>
 #include <string>
 #include <utility>
@@ -12,107 +11,54 @@
 #include "platform/simulated/SimulatedAccessibilityElement.h"
 #include "platform/simulated/SimulatedDesktop.h"
 #include "recency/AccessibilityWindowFocusEventSource.h"
+#include "support/ForwardingAccessibilityPort.h"
 
 namespace orvane {
 namespace {
 
-using Kind = WindowFocusEvent::Kind;
 using Lines = std::vector<std::string>;
 
 const Lines allNotifications{"AXFocusedWindowChanged", "AXApplicationActivated",
                              "AXWindowCreated",        "AXUIElementDestroyed",
                              "AXWindowMiniaturized",   "AXWindowDeminiaturized"};
-const std::vector<const char*> workspaceNotifications{
-    workspace_notification::didActivateApplication, workspace_notification::didLaunchApplication,
-    workspace_notification::didTerminateApplication};
+const char* const workspaceNotifications[] = {workspace_notification::didActivateApplication,
+                                              workspace_notification::didLaunchApplication,
+                                              workspace_notification::didTerminateApplication};
 
 const SimulatedAccessibilityElement* simulated(const AccessibilityElementHandle& element) {
     return dynamic_cast<const SimulatedAccessibilityElement*>(element.get());
 }
 
-// One received event, its element compared by the platform's equality.
-struct Seen {
-    Kind kind = Kind::applicationActivated;
-    ProcessIdentifier process = 0;
-    std::optional<AccessibilityWindowElement> element;
-
-    friend bool operator==(const Seen&, const Seen&) = default;
-    friend void PrintTo(const Seen& seen, std::ostream* out) {
-        *out << "kind " << static_cast<int>(seen.kind) << " process " << seen.process;
-        if (seen.element) {
-            const auto* window = simulated(seen.element->underlyingElement());
-            *out << " element "
-                 << (window ? std::to_string(window->processIdentifier()) + "/" +
-                                  std::to_string(window->windowIdentifier())
-                            : std::string("foreign"));
-        }
-    }
-};
-
-AccessibilityWindowElement windowOf(ProcessIdentifier process, WindowIdentifier window) {
-    return AccessibilityWindowElement(SimulatedAccessibility::windowElement(process, window));
-}
-Seen activated(ProcessIdentifier process) {
-    return {Kind::applicationActivated, process, {}};
-}
-Seen terminated(ProcessIdentifier process) {
-    return {Kind::applicationTerminated, process, {}};
-}
-Seen focused(ProcessIdentifier process, WindowIdentifier window) {
-    return {Kind::focusedWindowChanged, process, windowOf(process, window)};
-}
-Seen created(ProcessIdentifier process, WindowIdentifier window) {
-    return {Kind::windowCreated, process, windowOf(process, window)};
-}
-Seen destroyed(ProcessIdentifier process, WindowIdentifier window) {
-    return {Kind::windowDestroyed, 0, windowOf(process, window)};
-}
-Seen miniaturized(ProcessIdentifier process, WindowIdentifier window) {
-    return {Kind::windowMiniaturized, process, windowOf(process, window)};
-}
-Seen deminiaturized(ProcessIdentifier process, WindowIdentifier window) {
-    return {Kind::windowDeminiaturized, process, windowOf(process, window)};
-}
-
+// Each event as "kind process", then its element as "process/window" if it has one.
 class RecordingObserver final : public WindowFocusEventObserving {
   public:
     void windowFocusEventDidOccur(const WindowFocusEvent& event) override {
-        Seen seen{event.kind, event.processIdentifier, std::nullopt};
+        const char* kinds[] = {"focused",      "activated",      "created",   "destroyed",
+                               "miniaturized", "deminiaturized", "terminated"};
+        auto seen =
+            kinds[static_cast<int>(event.kind)] + (" " + std::to_string(event.processIdentifier));
         if (event.element) {
-            seen.element = *event.element;
             const auto* element = simulated(event.element->underlyingElement());
+            seen += element ? " " + std::to_string(element->processIdentifier()) + "/" +
+                                  std::to_string(element->windowIdentifier())
+                            : " foreign";
             timeoutsWhenSent.push_back(element ? element->messagingTimeout() : std::nullopt);
         }
-        events.push_back(std::move(seen));
+        events.push_back(seen);
     }
-    std::vector<Seen> takeEvents() { return std::exchange(events, {}); }
+    Lines take() { return std::exchange(events, {}); }
 
-    std::vector<Seen> events;
+    Lines events;
     // The element's messaging timeout at the moment it reached the observer.
     std::vector<std::optional<float>> timeoutsWhenSent;
 };
 
-// Forwards to the simulated desktop, keeping the last observer's callback (to call it with
-// arguments the simulation never delivers) and what teardown must undo.
-class RecordingAccessibility final : public AccessibilityPort {
+// Keeps the last observer's callback (to call it with arguments the simulation never delivers)
+// and notes what teardown must undo.
+class RecordingAccessibility final : public ForwardingAccessibilityPort {
   public:
-    explicit RecordingAccessibility(std::shared_ptr<SimulatedAccessibility> inner)
-        : inner_(std::move(inner)) {}
+    using ForwardingAccessibilityPort::ForwardingAccessibilityPort;
 
-    AttributeReading copyAttributeValue(const AccessibilityElementHandle& element,
-                                        std::string_view attribute) const override {
-        return inner_->copyAttributeValue(element, attribute);
-    }
-    AccessibilityElementHandle createApplicationElement(ProcessIdentifier process) override {
-        return inner_->createApplicationElement(process);
-    }
-    AccessibilityError setMessagingTimeout(const AccessibilityElementHandle& element,
-                                           float seconds) override {
-        return inner_->setMessagingTimeout(element, seconds);
-    }
-    ProcessReading processIdentifier(const AccessibilityElementHandle& element) const override {
-        return inner_->processIdentifier(element);
-    }
     ObserverCreation createObserver(ProcessIdentifier process, ObserverCallback callback) override {
         callback_ = callback;
         return inner_->createObserver(process, std::move(callback));
@@ -132,14 +78,14 @@ class RecordingAccessibility final : public AccessibilityPort {
     }
     RunLoopSourceHandle observerRunLoopSource(
         const AccessibilityObserverHandle& observer) override {
-        sources.push_back(inner_->observerRunLoopSource(observer));
-        return sources.back();
+        return sources.emplace_back(inner_->observerRunLoopSource(observer));
     }
 
     // Only while the source that registered is alive: the reference points at it.
-    void call(const AccessibilityObserverHandle& observer,
-              const AccessibilityElementHandle& element, std::string_view notification) {
-        callback_(observer, element, notification, reference_);
+    void call(const AccessibilityObserverHandle& observer, ProcessIdentifier process,
+              std::string_view notification) {
+        callback_(observer, SimulatedAccessibility::windowElement(process, 11), notification,
+                  reference_);
     }
     AccessibilityObserverHandle lastObserver() const { return observer_.lock(); }
 
@@ -147,7 +93,6 @@ class RecordingAccessibility final : public AccessibilityPort {
     Lines removedNotifications;
 
   private:
-    std::shared_ptr<SimulatedAccessibility> inner_;
     ObserverCallback callback_;
     // Weak, so that holding it here does not keep a released observer alive.
     std::weak_ptr<AccessibilityObserverObject> observer_;
@@ -163,13 +108,14 @@ SimulatedApplication application(
     result.runningApplication.activationPolicy = policy;
     return result;
 }
-
 SimulatedApplication refusing(ProcessIdentifier process, std::set<std::string> refused) {
     auto result = application(process);
     result.refusedNotifications = std::move(refused);
     return result;
 }
-
+SimulatedApplication refusingAll(ProcessIdentifier process) {
+    return refusing(process, {allNotifications.begin(), allNotifications.end()});
+}
 SimulatedApplication failingObserverCreation(ProcessIdentifier process) {
     auto result = application(process);
     result.observerCreationFails = true;
@@ -180,7 +126,6 @@ std::string refusalLine(const std::string& notification, ProcessIdentifier proce
     return "AXObserverAddNotification(" + notification + ") failed for process " +
            std::to_string(process) + " (AXError -25207)";
 }
-
 // One attachment attempt on an application that refuses every notification.
 Lines refusedEverythingLines(ProcessIdentifier process) {
     Lines lines;
@@ -192,12 +137,10 @@ Lines refusedEverythingLines(ProcessIdentifier process) {
                     "fallback");
     return lines;
 }
-
 std::string creationFailureLine(ProcessIdentifier process) {
     return "AXObserverCreate failed for process " + std::to_string(process) +
            " (AXError -25204); using application-activation fallback";
 }
-
 std::string startedLine(int attached) {
     return "Started window focus observation; attached Accessibility observers to " +
            std::to_string(attached) + " applications";
@@ -215,6 +158,12 @@ class AccessibilityWindowFocusEventSourceTest : public ::testing::Test {
         made->setObserver(observer);
         return made;
     }
+    // Attaches its source to the desktop through a recording port.
+    std::shared_ptr<RecordingAccessibility> record() {
+        auto recording = std::make_shared<RecordingAccessibility>(desktop->accessibilityPort());
+        source = makeSource(recording);
+        return recording;
+    }
 
     void launch(SimulatedApplication launched) {
         ASSERT_TRUE(desktop->launchApplication(std::move(launched)));
@@ -226,6 +175,7 @@ class AccessibilityWindowFocusEventSourceTest : public ::testing::Test {
         created.owningProcessIdentifier = process;
         ASSERT_TRUE(desktop->createWindow(std::move(created)));
     }
+    void settle() { desktop->runLoop().runUntilIdle(); }
 
     // The lines logged since the last call; every one must be a recency debug line.
     Lines takeLog() {
@@ -242,6 +192,11 @@ class AccessibilityWindowFocusEventSourceTest : public ::testing::Test {
         return desktop->accessibility().liveObserverCount(process);
     }
     std::size_t retriesScheduled() { return desktop->runLoop().scheduledTimerHistory().size(); }
+    void expectWorkspaceObservers(std::size_t count) {
+        for (const char* name : workspaceNotifications) {
+            EXPECT_EQ(desktop->workspaceNotificationCenter()->observerCount(name), count) << name;
+        }
+    }
 
     ScopedLogCapture logCapture;
     std::shared_ptr<SimulatedDesktop> desktop = SimulatedDesktop::make(100);
@@ -249,7 +204,9 @@ class AccessibilityWindowFocusEventSourceTest : public ::testing::Test {
     std::shared_ptr<AccessibilityWindowFocusEventSource> source;
 };
 
-TEST_F(AccessibilityWindowFocusEventSourceTest, StartAndStopActOnceEach) {
+// Only regular applications get an observer, at the start or at launch; all are reported.
+TEST_F(AccessibilityWindowFocusEventSourceTest,
+       StartAndStopActOnceEachAndAttachRegularApplications) {
     launch(application(201));
     launch(application(301, ApplicationActivationPolicy::accessory));
     launch(failingObserverCreation(202));
@@ -260,26 +217,36 @@ TEST_F(AccessibilityWindowFocusEventSourceTest, StartAndStopActOnceEach) {
     desktop->runLoop().advance(30);
 
     EXPECT_EQ(takeLog(), (Lines{creationFailureLine(202), startedLine(1)}));
-    for (const char* name : workspaceNotifications) {
-        EXPECT_EQ(desktop->workspaceNotificationCenter()->observerCount(name), 1u) << name;
-    }
+    expectWorkspaceObservers(1);
     EXPECT_EQ(observers(201), 1u);
     EXPECT_EQ(desktop->accessibility().registeredNotifications(201), allNotifications);
     EXPECT_EQ(observers(202), 0u);
     EXPECT_EQ(observers(301), 0u);
     EXPECT_EQ(desktop->accessibility().messagingTimeoutsSet(), std::vector<float>{0.25f});
+
+    launch(application(203));
+    launch(application(302, ApplicationActivationPolicy::prohibited));
+    EXPECT_EQ(observers(203), 1u);
+    EXPECT_EQ(observers(302), 0u);
+    desktop->activateApplication(301);
+    desktop->activateApplication(302);
+    desktop->terminateApplication(301);
+    desktop->terminateApplication(302);
+    desktop->runLoop().advance(30);
+    EXPECT_EQ(observer->take(),
+              (Lines{"activated 301", "activated 302", "terminated 301", "terminated 302"}));
+    EXPECT_TRUE(takeLog().empty());
     EXPECT_EQ(retriesScheduled(), 0u);
 
     source->stopObserving();
     source->stopObserving();
 
     EXPECT_EQ(takeLog(), Lines{"Stopped window focus observation"});
-    for (const char* name : workspaceNotifications) {
-        EXPECT_EQ(desktop->workspaceNotificationCenter()->observerCount(name), 0u) << name;
-    }
+    expectWorkspaceObservers(0);
     EXPECT_EQ(observers(201), 0u);
+    EXPECT_EQ(observers(203), 0u);
     desktop->activateApplication(201);
-    desktop->runLoop().runUntilIdle();
+    settle();
     EXPECT_TRUE(observer->events.empty());
 }
 
@@ -292,122 +259,72 @@ TEST_F(AccessibilityWindowFocusEventSourceTest, ActivationAttachesAMissedApplica
     desktop->activateApplication(202);
     desktop->runLoop().advance(30);
 
-    EXPECT_EQ(observer->takeEvents(), std::vector<Seen>{activated(202)});
+    EXPECT_EQ(observer->take(), Lines{"activated 202"});
     EXPECT_EQ(takeLog(), Lines{creationFailureLine(202)});
     EXPECT_EQ(retriesScheduled(), 0u);
 
     desktop->application(202)->observerCreationFails = false;
     desktop->activateApplication(201);
     desktop->activateApplication(202);
-    desktop->runLoop().runUntilIdle();
+    settle();
     addWindow(202, 21);
-    desktop->runLoop().runUntilIdle();
+    settle();
 
     // 202 had no observer yet when its own activation was posted, so only the workspace tells.
-    EXPECT_EQ(observer->takeEvents(), (std::vector<Seen>{activated(201), activated(201),
-                                                         activated(202), created(202, 21)}));
+    EXPECT_EQ(observer->take(),
+              (Lines{"activated 201", "activated 201", "activated 202", "created 202 202/21"}));
     EXPECT_TRUE(takeLog().empty());
     EXPECT_EQ(observers(201), 1u);
     EXPECT_EQ(observers(202), 1u);
-}
-
-TEST_F(AccessibilityWindowFocusEventSourceTest,
-       OnlyRegularApplicationsAreAttachedButAllAreReported) {
-    source->startObserving();
-    takeLog();
-
-    launch(application(201));
-    launch(application(301, ApplicationActivationPolicy::accessory));
-    launch(application(302, ApplicationActivationPolicy::prohibited));
-
-    EXPECT_TRUE(observer->events.empty());
-    EXPECT_EQ(observers(201), 1u);
-    EXPECT_EQ(observers(301), 0u);
-    EXPECT_EQ(observers(302), 0u);
-
-    desktop->activateApplication(301);
-    desktop->activateApplication(302);
-    desktop->terminateApplication(301);
-    desktop->terminateApplication(302);
-    desktop->runLoop().advance(30);
-
-    EXPECT_EQ(observer->takeEvents(), (std::vector<Seen>{activated(301), activated(302),
-                                                         terminated(301), terminated(302)}));
-    EXPECT_EQ(observers(301), 0u);
-    EXPECT_EQ(observers(302), 0u);
-    EXPECT_TRUE(takeLog().empty());
-    EXPECT_EQ(retriesScheduled(), 0u);
-}
-
-TEST_F(AccessibilityWindowFocusEventSourceTest, TerminationDetachesAndReportsObservedOrNot) {
-    launch(application(201));
-    launch(failingObserverCreation(202));
-    source->startObserving();
-    takeLog();
-
-    desktop->terminateApplication(201);
-    desktop->terminateApplication(202);
-    desktop->runLoop().runUntilIdle();
-
-    EXPECT_EQ(observer->takeEvents(), (std::vector<Seen>{terminated(201), terminated(202)}));
-    EXPECT_EQ(observers(201), 0u);
-    EXPECT_FALSE(source->isAttached(201));
-    EXPECT_TRUE(takeLog().empty());
 }
 
 TEST_F(AccessibilityWindowFocusEventSourceTest, OneAcceptedNotificationOfSixIsEnough) {
     launch(
         refusing(201, {"AXFocusedWindowChanged", "AXApplicationActivated", "AXUIElementDestroyed",
                        "AXWindowMiniaturized", "AXWindowDeminiaturized"}));
+    launch(refusingAll(202));
 
     source->startObserving();
 
-    EXPECT_EQ(takeLog(), (Lines{refusalLine("AXFocusedWindowChanged", 201),
-                                refusalLine("AXApplicationActivated", 201),
-                                refusalLine("AXUIElementDestroyed", 201),
-                                refusalLine("AXWindowMiniaturized", 201),
-                                refusalLine("AXWindowDeminiaturized", 201), startedLine(1)}));
+    Lines expected{
+        refusalLine("AXFocusedWindowChanged", 201), refusalLine("AXApplicationActivated", 201),
+        refusalLine("AXUIElementDestroyed", 201), refusalLine("AXWindowMiniaturized", 201),
+        refusalLine("AXWindowDeminiaturized", 201)};
+    for (const auto& line : refusedEverythingLines(202)) {
+        expected.push_back(line);
+    }
+    expected.push_back(startedLine(1));
+    EXPECT_EQ(takeLog(), expected);
     EXPECT_TRUE(source->isAttached(201));
     EXPECT_EQ(desktop->accessibility().registeredNotifications(201), Lines{"AXWindowCreated"});
+    // Refusing all six falls back on activations, and releases the observer.
+    EXPECT_FALSE(source->isAttached(202));
+    EXPECT_EQ(observers(202), 0u);
 
     addWindow(201, 11);
     desktop->destroyWindow(11);
-    desktop->runLoop().runUntilIdle();
-    EXPECT_EQ(observer->takeEvents(), std::vector<Seen>{created(201, 11)});
-}
-
-TEST_F(AccessibilityWindowFocusEventSourceTest, AllSixRefusedFallsBackAndReleasesTheObserver) {
-    launch(refusing(201, {allNotifications.begin(), allNotifications.end()}));
-
-    source->startObserving();
-
-    auto expected = refusedEverythingLines(201);
-    expected.push_back(startedLine(0));
-    EXPECT_EQ(takeLog(), expected);
-    EXPECT_FALSE(source->isAttached(201));
-    EXPECT_EQ(observers(201), 0u);
+    settle();
+    EXPECT_EQ(observer->take(), Lines{"created 201 201/11"});
 }
 
 TEST_F(AccessibilityWindowFocusEventSourceTest, LaunchGetsThreeAttemptsTwoSecondsApart) {
     source->startObserving();
     takeLog();
 
-    launch(refusing(201, {allNotifications.begin(), allNotifications.end()}));
+    launch(refusingAll(201));
     EXPECT_EQ(takeLog(), refusedEverythingLines(201));
-
-    desktop->runLoop().advance(1.75);
-    EXPECT_TRUE(takeLog().empty());
-    desktop->runLoop().advance(0.25);
-    EXPECT_EQ(takeLog(), refusedEverythingLines(201));
-
-    desktop->runLoop().advance(1.75);
-    EXPECT_TRUE(takeLog().empty());
-    desktop->runLoop().advance(0.25);
-    auto expected = refusedEverythingLines(201);
-    expected.push_back(
-        "Giving up Accessibility observer attachment for process 201; using "
-        "application-activation fallback");
-    EXPECT_EQ(takeLog(), expected);
+    for (int retry = 0; retry < 2; ++retry) {
+        desktop->runLoop().advance(1.75);
+        EXPECT_TRUE(takeLog().empty());
+        desktop->runLoop().advance(0.25);
+        auto expected = refusedEverythingLines(201);
+        if (retry == 1) {
+            expected.push_back(
+                "Giving up Accessibility observer attachment for process 201; using "
+                "application-activation fallback");
+        }
+        EXPECT_EQ(takeLog(), expected);
+    }
 
     desktop->runLoop().advance(60);
     EXPECT_TRUE(takeLog().empty());
@@ -418,7 +335,7 @@ TEST_F(AccessibilityWindowFocusEventSourceTest, LaunchGetsThreeAttemptsTwoSecond
     desktop->activateApplication(201);
     desktop->runLoop().advance(60);
     EXPECT_EQ(takeLog(), refusedEverythingLines(201));
-    EXPECT_EQ(observer->takeEvents(), std::vector<Seen>{activated(201)});
+    EXPECT_EQ(observer->take(), Lines{"activated 201"});
     EXPECT_EQ(retriesScheduled(), 2u);
 }
 
@@ -441,7 +358,7 @@ TEST_F(AccessibilityWindowFocusEventSourceTest, RetriesEndOnSuccessStopOrQuit) {
     EXPECT_EQ(takeLog(), Lines{creationFailureLine(202)});
     desktop->terminateApplication(202);
     desktop->runLoop().advance(30);
-    EXPECT_EQ(observer->takeEvents(), std::vector<Seen>{terminated(202)});
+    EXPECT_EQ(observer->take(), Lines{"terminated 202"});
     EXPECT_TRUE(takeLog().empty());
     EXPECT_EQ(retriesScheduled(), 2u);
 
@@ -470,14 +387,14 @@ TEST_F(AccessibilityWindowFocusEventSourceTest, DesktopChangesArriveInPostingOrd
     desktop->setWindowMinimized(11, true);
     desktop->focusWindow(11);
     desktop->destroyWindow(11);
-    desktop->runLoop().runUntilIdle();
+    settle();
 
-    EXPECT_EQ(observer->takeEvents(),
-              (std::vector<Seen>{created(201, 11), created(201, 12), created(202, 21),
-                                 activated(201), activated(201), focused(201, 11), activated(202),
-                                 activated(202), focused(202, 21), miniaturized(201, 11),
-                                 deminiaturized(201, 11), activated(201), activated(201),
-                                 focused(201, 11), destroyed(201, 11), focused(201, 12)}));
+    EXPECT_EQ(observer->take(),
+              (Lines{"created 201 201/11", "created 201 201/12", "created 202 202/21",
+                     "activated 201", "activated 201", "focused 201 201/11", "activated 202",
+                     "activated 202", "focused 202 202/21", "miniaturized 201 201/11",
+                     "deminiaturized 201 201/11", "activated 201", "activated 201",
+                     "focused 201 201/11", "destroyed 0 201/11", "focused 201 201/12"}));
     // Set before sending: the desktop hands out each element without a timeout.
     EXPECT_EQ(observer->timeoutsWhenSent, std::vector<std::optional<float>>(10, 0.25f));
     EXPECT_EQ(observers(201), 1u);
@@ -485,45 +402,28 @@ TEST_F(AccessibilityWindowFocusEventSourceTest, DesktopChangesArriveInPostingOrd
     EXPECT_TRUE(takeLog().empty());
 }
 
-TEST_F(AccessibilityWindowFocusEventSourceTest, FailedProcessLookupUsesTheObserversProcess) {
-    launch(application(201));
-    auto unreadable = application(202);
-    unreadable.processIdentifierLookupFails = true;
-    launch(unreadable);
-    source->startObserving();
-    takeLog();
-
-    addWindow(202, 21);
-    desktop->focusWindow(21);
-    desktop->runLoop().runUntilIdle();
-
-    EXPECT_EQ(observer->takeEvents(), (std::vector<Seen>{created(202, 21), activated(202),
-                                                         activated(202), focused(202, 21)}));
-    EXPECT_TRUE(takeLog().empty());
-}
-
-TEST_F(AccessibilityWindowFocusEventSourceTest, CallbacksTheSimulationNeverDelivers) {
-    auto recording = std::make_shared<RecordingAccessibility>(desktop->accessibilityPort());
-    source = makeSource(recording);
+// A process comes from the element, else from the observer that delivered the notification.
+TEST_F(AccessibilityWindowFocusEventSourceTest, NotificationsNeedAResolvableProcess) {
+    auto recording = record();
     auto unreadable = application(201);
     unreadable.processIdentifierLookupFails = true;
     launch(unreadable);
     source->startObserving();
     takeLog();
-    auto attachedObserver = recording->lastObserver();
-    ASSERT_NE(attachedObserver, nullptr);
 
-    recording->call(attachedObserver, SimulatedAccessibility::windowElement(201, 11),
-                    "AXTitleChanged");
-    EXPECT_TRUE(observer->events.empty());
-    EXPECT_TRUE(takeLog().empty());
+    addWindow(201, 21);
+    desktop->focusWindow(21);
+    settle();
+    EXPECT_EQ(observer->take(), (Lines{"created 201 201/21", "activated 201", "activated 201",
+                                       "focused 201 201/21"}));
 
-    // Neither the element nor the observer names a process.
-    recording->call(std::make_shared<AccessibilityObserverObject>(),
-                    SimulatedAccessibility::windowElement(201, 11), "AXWindowCreated");
-    // The element names process 0.
-    recording->call(attachedObserver, SimulatedAccessibility::windowElement(0, 11),
-                    "AXFocusedWindowChanged");
+    // Arguments the simulation never delivers: a notification nobody asked for, an observer
+    // nobody made, an element of process 0.
+    const auto attached = recording->lastObserver();
+    ASSERT_NE(attached, nullptr);
+    recording->call(attached, 201, "AXTitleChanged");
+    recording->call(std::make_shared<AccessibilityObserverObject>(), 201, "AXWindowCreated");
+    recording->call(attached, 0, "AXFocusedWindowChanged");
     EXPECT_TRUE(observer->events.empty());
     EXPECT_EQ(takeLog(),
               (Lines{"Dropped Accessibility notification AXWindowCreated: no resolvable process "
@@ -533,8 +433,7 @@ TEST_F(AccessibilityWindowFocusEventSourceTest, CallbacksTheSimulationNeverDeliv
 }
 
 TEST_F(AccessibilityWindowFocusEventSourceTest, EveryDetachUnregistersAndUnschedulesTheObserver) {
-    auto recording = std::make_shared<RecordingAccessibility>(desktop->accessibilityPort());
-    source = makeSource(recording);
+    auto recording = record();
     launch(application(201));
     launch(application(202));
     source->startObserving();
@@ -544,7 +443,10 @@ TEST_F(AccessibilityWindowFocusEventSourceTest, EveryDetachUnregistersAndUnsched
     EXPECT_TRUE(runLoop.isSourceScheduled(recording->sources[1]));
 
     desktop->terminateApplication(201);
-    desktop->runLoop().runUntilIdle();
+    settle();
+    EXPECT_EQ(observer->take(), Lines{"terminated 201"});
+    EXPECT_FALSE(source->isAttached(201));
+    EXPECT_EQ(observers(201), 0u);
     EXPECT_FALSE(runLoop.isSourceScheduled(recording->sources[0]));
     EXPECT_TRUE(runLoop.isSourceScheduled(recording->sources[1]));
     EXPECT_EQ(std::exchange(recording->removedNotifications, {}), allNotifications);
@@ -561,47 +463,34 @@ TEST_F(AccessibilityWindowFocusEventSourceTest, EveryDetachUnregistersAndUnsched
     EXPECT_EQ(recording->removedNotifications, allNotifications);
 }
 
-TEST_F(AccessibilityWindowFocusEventSourceTest,
-       DestructionReleasesObserversAndSilencesWhatIsPending) {
-    launch(application(201));
-    launch(application(202));
-    source->startObserving();
-    launch(failingObserverCreation(203));
-    addWindow(201, 11);
-    addWindow(202, 21);
-    takeLog();
-
-    source.reset();
-    desktop->application(203)->observerCreationFails = false;
-    desktop->focusWindow(11);
-    desktop->runLoop().advance(30);
-
-    EXPECT_TRUE(observer->events.empty());
-    EXPECT_TRUE(takeLog().empty());
-    EXPECT_EQ(observers(201), 0u);
-    EXPECT_EQ(observers(202), 0u);
-    EXPECT_EQ(observers(203), 0u);
-    for (const char* name : workspaceNotifications) {
-        EXPECT_EQ(desktop->workspaceNotificationCenter()->observerCount(name), 0u) << name;
-    }
-}
-
-TEST_F(AccessibilityWindowFocusEventSourceTest, EventsForAGoneObserverAreDropped) {
+TEST_F(AccessibilityWindowFocusEventSourceTest, GoneObserverMissesEventsGoneSourceReleasesAll) {
     launch(application(201));
     source->startObserving();
     observer.reset();
-
     addWindow(201, 11);
     desktop->focusWindow(11);
-    desktop->terminateApplication(201);
-    desktop->runLoop().runUntilIdle();
+    settle();
 
     auto replacement = std::make_shared<RecordingObserver>();
     source->setObserver(replacement);
     launch(application(202));
     addWindow(202, 21);
-    desktop->runLoop().runUntilIdle();
-    EXPECT_EQ(replacement->events, std::vector<Seen>{created(202, 21)});
+    settle();
+    EXPECT_EQ(replacement->take(), Lines{"created 202 202/21"});
+
+    launch(failingObserverCreation(203));
+    takeLog();
+    source.reset();
+    desktop->application(203)->observerCreationFails = false;
+    desktop->focusWindow(11);
+    desktop->runLoop().advance(30);
+
+    EXPECT_TRUE(replacement->events.empty());
+    EXPECT_TRUE(takeLog().empty());
+    EXPECT_EQ(observers(201), 0u);
+    EXPECT_EQ(observers(202), 0u);
+    EXPECT_EQ(observers(203), 0u);
+    expectWorkspaceObservers(0);
 }
 
 }  // namespace

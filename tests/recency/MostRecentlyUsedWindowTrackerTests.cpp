@@ -1,11 +1,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <map>
 #include <memory>
 #include <optional>
 #include <ostream>
+#include <sstream>
 #include <string>
-#include <unordered_set>
 #include <vector>
 
 #include "core/ScopedLogCapture.h"
@@ -13,8 +14,8 @@
 
 namespace orvane {
 
-static void PrintTo(const Date& date, std::ostream* stream) {
-    *stream << "Date{" << date.secondsSinceReferenceDate << "}";
+static std::ostream& operator<<(std::ostream& out, const Date& date) {
+    return out << date.secondsSinceReferenceDate;
 }
 
 namespace {
@@ -24,38 +25,35 @@ using Lines = std::vector<std::string>;
 
 class CountingFocusEventSource final : public WindowFocusEventSource {
   public:
-    std::weak_ptr<WindowFocusEventObserving> observer() const override { return observer_; }
-    void setObserver(std::weak_ptr<WindowFocusEventObserving> observer) override {
-        observer_ = std::move(observer);
-    }
+    std::weak_ptr<WindowFocusEventObserving> observer() const override { return {}; }
+    void setObserver(std::weak_ptr<WindowFocusEventObserving>) override {}
     void startObserving() override { ++startCount; }
     void stopObserving() override { ++stopCount; }
 
     int startCount = 0;
     int stopCount = 0;
-
-  private:
-    std::weak_ptr<WindowFocusEventObserving> observer_;
 };
 
 // Equal by number alone, so every wrapper made for the same number is the same window.
 class FakeElement final : public AccessibilityElementObject {
   public:
-    explicit FakeElement(int identifier) : identifier_(identifier) {}
+    explicit FakeElement(int identifier) : identifier(identifier) {}
 
     bool isEqualTo(const AccessibilityElementObject& other) const override {
         const auto* fake = dynamic_cast<const FakeElement*>(&other);
-        return fake != nullptr && fake->identifier_ == identifier_;
+        return fake != nullptr && fake->identifier == identifier;
     }
-    std::size_t hashValue() const override { return std::hash<int>{}(identifier_); }
+    std::size_t hashValue() const override { return std::hash<int>{}(identifier); }
 
-  private:
-    int identifier_;
+    const int identifier;
 };
 
 std::shared_ptr<const AccessibilityWindowElement> element(int identifier) {
     return std::make_shared<const AccessibilityWindowElement>(
         std::make_shared<FakeElement>(identifier));
+}
+int numberOf(const AccessibilityWindowElement& element) {
+    return dynamic_cast<const FakeElement&>(*element.underlyingElement()).identifier;
 }
 
 // Its element carries the window's own number.
@@ -86,25 +84,44 @@ Ids identifiers(const std::vector<SwitchableWindow>& ordered) {
 
 class MostRecentlyUsedWindowTrackerTest : public ::testing::Test {
   protected:
-    void TearDown() override {
-        const auto& stack = tracker.recencyOrderedWindowIdentifiers();
+    // All the tracker knows, maps in key order, empty parts left out: "stack window@moment |
+    // pending element@moment/process | activated process@moment | absent window x count |
+    // owners window:process | elements element:window".
+    std::string state() const {
+        std::ostringstream out;
+        const auto part = [&](const char* name, const auto& pairs, char separator) {
+            if (!pairs.empty()) {
+                out << (out.tellp() > 0 ? " | " : "") << name;
+            }
+            for (const auto& [key, value] : pairs) {
+                out << ' ' << key << separator << value;
+            }
+        };
+        const auto sorted = [](const auto& map) { return std::map(map.begin(), map.end()); };
         const auto& timestamps = tracker.lastFocusedTimestampsByWindowIdentifier();
-        EXPECT_EQ(std::unordered_set<WindowIdentifier>(stack.begin(), stack.end()).size(),
-                  stack.size())
-            << "duplicates on the stack";
-        EXPECT_EQ(timestamps.size(), stack.size()) << "a timestamp without a stack place";
-        for (auto identifier : stack) {
-            EXPECT_TRUE(timestamps.contains(identifier)) << identifier;
-            EXPECT_TRUE(tracker.owningProcessIdentifiersByWindowIdentifier().contains(identifier))
-                << identifier;
+        EXPECT_EQ(timestamps.size(), stack().size()) << "a timestamp off the stack";
+        std::vector<std::pair<WindowIdentifier, Date>> onStack;
+        for (auto window : stack()) {
+            onStack.emplace_back(window, timestamps.at(window));
         }
-        const auto& pending = tracker.pendingFocusObservations();
-        EXPECT_LE(pending.size(), 32u);
-        std::unordered_set<AccessibilityWindowElement> pendingElements;
-        for (const auto& observation : pending) {
-            EXPECT_TRUE(pendingElements.insert(observation.windowElement).second)
-                << "two pending observations of one element";
+        std::vector<std::pair<int, std::string>> pending;
+        for (const auto& each : tracker.pendingFocusObservations()) {
+            std::ostringstream seen;
+            seen << each.observedTimestamp << '/' << each.processIdentifier;
+            pending.emplace_back(numberOf(each.windowElement), seen.str());
         }
+        std::map<int, WindowIdentifier> elements;
+        for (const auto& [known, window] : tracker.windowIdentifiersByAccessibilityElement()) {
+            elements.emplace(numberOf(known), window);
+        }
+        part("stack", onStack, '@');
+        part("pending", pending, '@');
+        part("activated", sorted(tracker.applicationActivationTimestampsByProcessIdentifier()),
+             '@');
+        part("absent", sorted(tracker.consecutiveAbsenceCountsByWindowIdentifier()), 'x');
+        part("owners", sorted(tracker.owningProcessIdentifiersByWindowIdentifier()), ':');
+        part("elements", elements, ':');
+        return out.str();
     }
 
     Ids order(const std::vector<SwitchableWindow>& given) {
@@ -119,6 +136,7 @@ class MostRecentlyUsedWindowTrackerTest : public ::testing::Test {
         now = Date{at};
         tracker.windowFocusEventDidOccur(WindowFocusEvent::applicationActivated(process));
     }
+    void happen(const WindowFocusEvent& event) { tracker.windowFocusEventDidOccur(event); }
     // Learns the windows, then focuses them one second apart from t=1, so the last is on top;
     // each focus comes from the window's own process.
     void learnAndFocus(const std::vector<SwitchableWindow>& known, const Ids& oldestFirst) {
@@ -130,13 +148,13 @@ class MostRecentlyUsedWindowTrackerTest : public ::testing::Test {
         }
         capture.sink().clear();
     }
-    std::optional<Date> timestampOf(WindowIdentifier identifier) const {
-        const auto& timestamps = tracker.lastFocusedTimestampsByWindowIdentifier();
-        auto found = timestamps.find(identifier);
-        return found == timestamps.end() ? std::nullopt : std::optional(found->second);
-    }
     const Ids& stack() const { return tracker.recencyOrderedWindowIdentifiers(); }
-    Lines logLines() { return capture.sink().messages(LogCategory::recencytracking); }
+    // The lines logged since the last call.
+    Lines logLines() {
+        auto lines = capture.sink().messages(LogCategory::recencytracking);
+        capture.sink().clear();
+        return lines;
+    }
 
     ScopedLogCapture capture;
     std::shared_ptr<CountingFocusEventSource> source = std::make_shared<CountingFocusEventSource>();
@@ -154,102 +172,60 @@ TEST_F(MostRecentlyUsedWindowTrackerTest, FreshTrackerAnswersTheListAsGivenAndOn
     EXPECT_EQ(ordered[0].lastFocusedTimestamp, Date::distantPast());
     EXPECT_EQ(ordered[1].lastFocusedTimestamp, Date{5});
     EXPECT_EQ(ordered[1].accessibilityElement, given[1].accessibilityElement);
-    EXPECT_TRUE(stack().empty());
-    EXPECT_EQ(tracker.owningProcessIdentifiersByWindowIdentifier().at(1), 8);
-    EXPECT_EQ(tracker.windowIdentifiersByAccessibilityElement().at(*element(2)), 2u);
+    EXPECT_EQ(state(), "owners 1:8 2:7 3:7 | elements 1:1 2:2 3:3");
     EXPECT_TRUE(logLines().empty());
 }
 
-TEST_F(MostRecentlyUsedWindowTrackerTest, EmptyEnumerationStillResolvesPendingFocusButAgesNothing) {
-    learnAndFocus(windows({1, 2}), {1});
+// An empty enumeration says more about the enumeration than about the windows.
+TEST_F(MostRecentlyUsedWindowTrackerTest, EmptyEnumerationsResolvePendingFocusButAgeNothing) {
+    learnAndFocus(windows({1, 2}), {2, 1});
     focus(3, 20);
     now = Date{30};
     tracker.recordImmediateFocus(window(3));
 
-    EXPECT_TRUE(tracker.orderedByRecency({}).empty());
-
-    EXPECT_EQ(stack(), (Ids{3, 1}));
-    EXPECT_EQ(timestampOf(3), Date{20});
-    EXPECT_TRUE(tracker.pendingFocusObservations().empty());
-    EXPECT_TRUE(tracker.consecutiveAbsenceCountsByWindowIdentifier().empty());
-    EXPECT_EQ(logLines(), (Lines{"Recorded immediate focus of window 3",
-                                 "Resolved pending focus observation to window 3"}));
-}
-
-TEST_F(MostRecentlyUsedWindowTrackerTest, TenEmptyEnumerationsChangeNothing) {
-    learnAndFocus(windows({1, 2}), {2, 1});
     for (int enumeration = 0; enumeration < 10; ++enumeration) {
         EXPECT_TRUE(tracker.orderedByRecency({}).empty());
     }
-    EXPECT_EQ(stack(), (Ids{1, 2}));
-    EXPECT_TRUE(tracker.consecutiveAbsenceCountsByWindowIdentifier().empty());
-    EXPECT_EQ(tracker.owningProcessIdentifiersByWindowIdentifier().size(), 2u);
-    EXPECT_EQ(tracker.windowIdentifiersByAccessibilityElement().size(), 2u);
-    EXPECT_EQ(order(windows({2, 1})), (Ids{1, 2}));
-    EXPECT_TRUE(logLines().empty());
-}
 
-TEST_F(MostRecentlyUsedWindowTrackerTest, FocusOnAnUnseenWindowWaitsThenResolvesWithItsOwnMoment) {
-    learnAndFocus(windows({1}), {1});
-    focus(2, 20);
-    EXPECT_EQ(tracker.pendingFocusObservations().size(), 1u);
-    EXPECT_EQ(stack(), (Ids{1}));
-    EXPECT_FALSE(timestampOf(2));
-
-    now = Date{30};
-    auto ordered = tracker.orderedByRecency(windows({1, 2}));
-
-    EXPECT_EQ(identifiers(ordered), (Ids{2, 1}));
-    EXPECT_EQ(ordered[0].lastFocusedTimestamp, Date{20});
-    EXPECT_EQ(ordered[1].lastFocusedTimestamp, Date{1});
-    EXPECT_TRUE(tracker.pendingFocusObservations().empty());
-    EXPECT_EQ(logLines(), (Lines{"Resolved pending focus observation to window 2"}));
-}
-
-TEST_F(MostRecentlyUsedWindowTrackerTest, PendingFocusResolvesOldestFirstAboveTheStack) {
-    learnAndFocus(windows({1}), {1});
-    focus(2, 20);
-    focus(3, 30);
-
-    EXPECT_EQ(order(windows({1, 2, 3})), (Ids{3, 2, 1}));
-    EXPECT_EQ(logLines(), (Lines{"Resolved pending focus observation to window 2",
+    EXPECT_EQ(state(), "stack 3@20 1@2 2@1 | owners 1:7 2:7 3:7 | elements 1:1 2:2 3:3");
+    EXPECT_EQ(logLines(), (Lines{"Recorded immediate focus of window 3",
                                  "Resolved pending focus observation to window 3"}));
+    EXPECT_EQ(order(windows({2, 1, 3})), (Ids{3, 1, 2}));
 }
 
-TEST_F(MostRecentlyUsedWindowTrackerTest, RefocusOfAnUnseenElementReplacesItsObservationAtTheEnd) {
+// Focus often lands on a window before any enumeration shows it; pending focus resolves oldest
+// first, above the stack, with the moment of the focus.
+TEST_F(MostRecentlyUsedWindowTrackerTest, FocusOnUnseenWindowsWaitsThenResolvesInFocusOrder) {
     learnAndFocus(windows({1}), {1});
     focus(2, 20);
+    EXPECT_EQ(state(), "stack 1@1 | pending 2@20/7 | owners 1:7 | elements 1:1");
     focus(3, 30);
+    // A refocus replaces the element's observation, at the end.
     focus(2, 40);
+    EXPECT_EQ(state(), "stack 1@1 | pending 3@30/7 2@40/7 | owners 1:7 | elements 1:1");
+    now = Date{50};
 
-    const auto& pending = tracker.pendingFocusObservations();
-    ASSERT_EQ(pending.size(), 2u);
-    EXPECT_EQ(pending[0].windowElement, *element(3));
-    EXPECT_EQ(pending[1].windowElement, *element(2));
-    EXPECT_EQ(pending[1].observedTimestamp, Date{40});
+    auto ordered = tracker.orderedByRecency(windows({1, 2, 3}));
 
-    EXPECT_EQ(order(windows({1, 2, 3})), (Ids{2, 3, 1}));
-    EXPECT_EQ(timestampOf(2), Date{40});
+    EXPECT_EQ(identifiers(ordered), (Ids{2, 3, 1}));
+    EXPECT_EQ(ordered[0].lastFocusedTimestamp, Date{40});
+    EXPECT_EQ(state(), "stack 2@40 3@30 1@1 | owners 1:7 2:7 3:7 | elements 1:1 2:2 3:3");
     EXPECT_EQ(logLines(), (Lines{"Resolved pending focus observation to window 3",
                                  "Resolved pending focus observation to window 2"}));
 }
 
+// Window 100 is never focused: the evicted window 1 must land after it, not on the stack.
 TEST_F(MostRecentlyUsedWindowTrackerTest, ThirtyThirdPendingFocusEvictsTheOldest) {
+    Ids enumerated{100}, expected;
     for (int identifier = 1; identifier <= 33; ++identifier) {
         focus(identifier, identifier);
-    }
-    ASSERT_EQ(tracker.pendingFocusObservations().size(), 32u);
-    EXPECT_EQ(tracker.pendingFocusObservations().front().windowElement, *element(2));
-
-    // Window 100 is never focused: the evicted window 1 must land after it, not on the stack.
-    Ids enumerated{100};
-    Ids expected;
-    for (WindowIdentifier identifier = 1; identifier <= 33; ++identifier) {
         enumerated.push_back(identifier);
         expected.insert(expected.begin(), identifier);
     }
-    expected.pop_back();
-    expected.insert(expected.end(), {100, 1});
+    ASSERT_EQ(tracker.pendingFocusObservations().size(), 32u);
+    EXPECT_EQ(tracker.pendingFocusObservations().front().windowElement, *element(2));
+    expected.back() = 100;
+    expected.push_back(1);
 
     auto ordered = tracker.orderedByRecency(windows(enumerated));
 
@@ -262,272 +238,161 @@ TEST_F(MostRecentlyUsedWindowTrackerTest, ThirtyThirdPendingFocusEvictsTheOldest
     EXPECT_EQ(lines.back(), "Resolved pending focus observation to window 33");
 }
 
-TEST_F(MostRecentlyUsedWindowTrackerTest,
-       NineAbsencesKeepTheStackPlaceAndBeingSeenRestartsTheCount) {
-    learnAndFocus(windows({1, 2}), {1, 2});
+// Window 3 is only ever enumerated: absence ages every learned window, not just the stack.
+TEST_F(MostRecentlyUsedWindowTrackerTest, TenConsecutiveAbsencesForgetTheWindowEverywhere) {
+    learnAndFocus(windows({1, 2, 3}), {1, 2});
     for (int enumeration = 0; enumeration < 9; ++enumeration) {
         EXPECT_EQ(order(windows({2})), (Ids{2}));
     }
-    EXPECT_EQ(tracker.consecutiveAbsenceCountsByWindowIdentifier().at(1), 9);
-    EXPECT_EQ(stack(), (Ids{2, 1}));
-
-    EXPECT_EQ(order(windows({1, 2})), (Ids{2, 1}));
-    EXPECT_FALSE(tracker.consecutiveAbsenceCountsByWindowIdentifier().contains(1));
-
-    order(windows({2}));
-    EXPECT_EQ(tracker.consecutiveAbsenceCountsByWindowIdentifier().at(1), 1);
-    for (int enumeration = 0; enumeration < 8; ++enumeration) {
-        order(windows({2}));
-    }
-    EXPECT_EQ(stack(), (Ids{2, 1}));
-    EXPECT_EQ(timestampOf(1), Date{1});
-    EXPECT_TRUE(logLines().empty());
-}
-
-TEST_F(MostRecentlyUsedWindowTrackerTest, TenAbsencesForgetTheWindowEverywhere) {
-    // Window 3 was only ever enumerated: absence ages every learned window, not just the stack.
-    learnAndFocus(windows({1, 2, 3}), {1, 2});
+    EXPECT_EQ(state(),
+              "stack 2@2 1@1 | absent 1x9 3x9 | owners 1:7 2:7 3:7 | elements 1:1 2:2 3:3");
+    EXPECT_EQ(order(windows({1, 2, 3})), (Ids{2, 1, 3}));
     for (int enumeration = 0; enumeration < 9; ++enumeration) {
         order(windows({2}));
     }
+    EXPECT_EQ(state(),
+              "stack 2@2 1@1 | absent 1x9 3x9 | owners 1:7 2:7 3:7 | elements 1:1 2:2 3:3");
     EXPECT_TRUE(logLines().empty());
 
     EXPECT_EQ(order(windows({2})), (Ids{2}));
 
     EXPECT_EQ(logLines(),
               (Lines{"Reconciliation purged 2 windows absent from 10 consecutive enumerations"}));
-    EXPECT_EQ(stack(), (Ids{2}));
-    EXPECT_FALSE(timestampOf(1));
-    EXPECT_FALSE(tracker.owningProcessIdentifiersByWindowIdentifier().contains(1));
-    EXPECT_FALSE(tracker.owningProcessIdentifiersByWindowIdentifier().contains(3));
-    EXPECT_TRUE(tracker.consecutiveAbsenceCountsByWindowIdentifier().empty());
-    EXPECT_EQ(tracker.windowIdentifiersByAccessibilityElement().size(), 1u);
-    EXPECT_TRUE(tracker.windowIdentifiersByAccessibilityElement().contains(*element(2)));
-
+    EXPECT_EQ(state(), "stack 2@2 | owners 2:7 | elements 2:2");
     focus(1, 50);
     EXPECT_EQ(order(windows({2})), (Ids{2}));
-    EXPECT_EQ(tracker.pendingFocusObservations().size(), 1u);
-    EXPECT_EQ(stack(), (Ids{2}));
+    EXPECT_EQ(state(), "stack 2@2 | pending 1@50/7 | owners 2:7 | elements 2:2");
 }
 
-TEST_F(MostRecentlyUsedWindowTrackerTest, ActivationDoesNotRaiseAWindowLowerOnTheStack) {
+// Off the stack, windows of activated applications come latest activation first, each
+// application's in enumeration order, then the rest; activation raises nothing on the stack.
+TEST_F(MostRecentlyUsedWindowTrackerTest, ActivatedApplicationsFollowTheStack) {
     learnAndFocus({window(1, 10), window(2, 20)}, {1, 2});
     activate(10, 50);
-
-    EXPECT_EQ(order({window(1, 10), window(2, 20)}), (Ids{2, 1}));
-    EXPECT_EQ(timestampOf(1), Date{1});
-    EXPECT_EQ(tracker.applicationActivationTimestampsByProcessIdentifier().at(10), Date{50});
-}
-
-TEST_F(MostRecentlyUsedWindowTrackerTest,
-       ActivatedApplicationsFollowTheStackLatestActivationFirst) {
-    learnAndFocus({window(1, 10)}, {1});
-    activate(20, 50);
+    activate(40, 55);
     activate(30, 60);
+    // A second activation counts from its own moment.
+    activate(40, 65);
 
-    auto ordered =
-        tracker.orderedByRecency({window(4, 40), window(2, 20), window(3, 30), window(1, 10)});
+    auto ordered = tracker.orderedByRecency(
+        {window(6, 50), window(5, 30), window(4, 40), window(2, 20), window(3, 30), window(1, 10)});
 
-    EXPECT_EQ(identifiers(ordered), (Ids{1, 3, 2, 4}));
-    EXPECT_EQ(ordered[1].lastFocusedTimestamp, Date::distantPast());
+    EXPECT_EQ(identifiers(ordered), (Ids{2, 1, 4, 5, 3, 6}));
+    EXPECT_EQ(ordered[2].lastFocusedTimestamp, Date::distantPast());
+    EXPECT_EQ(state(),
+              "stack 2@2 1@1 | activated 10@50 30@60 40@65 | owners 1:10 2:20 3:30 4:40 5:30 6:50 "
+              "| elements 1:1 2:2 3:3 4:4 5:5 6:6");
 }
 
-TEST_F(MostRecentlyUsedWindowTrackerTest, UnfocusedWindowsOfOneApplicationKeepEnumerationOrder) {
-    activate(30, 40);
-    activate(20, 50);
-
-    EXPECT_EQ(order({window(6, 20), window(5, 30), window(2, 20)}), (Ids{6, 2, 5}));
-}
-
-TEST_F(MostRecentlyUsedWindowTrackerTest, TerminationWithoutKnownWindowsDropsActivationAndPending) {
-    activate(20, 10);
-    focus(9, 20, 20);
-    focus(8, 30, 30);
-
-    tracker.windowFocusEventDidOccur(WindowFocusEvent::applicationTerminated(20));
-
-    EXPECT_TRUE(tracker.applicationActivationTimestampsByProcessIdentifier().empty());
-    ASSERT_EQ(tracker.pendingFocusObservations().size(), 1u);
-    EXPECT_EQ(tracker.pendingFocusObservations().front().processIdentifier, 30);
-    EXPECT_EQ(order({window(3, 30), window(2, 20)}), (Ids{3, 2}));
-    EXPECT_TRUE(logLines().empty());
-}
-
-TEST_F(MostRecentlyUsedWindowTrackerTest, TerminationForgetsEveryWindowTheProcessOwned) {
+TEST_F(MostRecentlyUsedWindowTrackerTest, TerminationForgetsTheProcessWindowsActivationAndFocus) {
     // Window 2 was never focused, yet it belongs to the process and goes with it.
     learnAndFocus({window(1, 42), window(2, 42), window(3)}, {1, 3});
     activate(42, 10);
+    activate(30, 11);
+    focus(9, 20, 42);
+    focus(8, 30, 30);
+    focus(7, 40, 50);
 
-    tracker.windowFocusEventDidOccur(WindowFocusEvent::applicationTerminated(42));
-
+    happen(WindowFocusEvent::applicationTerminated(42));
     EXPECT_EQ(logLines(), (Lines{"Purged 2 windows of terminated process 42"}));
-    EXPECT_EQ(stack(), (Ids{3}));
-    EXPECT_FALSE(timestampOf(1));
-    EXPECT_EQ(tracker.owningProcessIdentifiersByWindowIdentifier().size(), 1u);
-    EXPECT_EQ(tracker.windowIdentifiersByAccessibilityElement().size(), 1u);
-    EXPECT_TRUE(tracker.windowIdentifiersByAccessibilityElement().contains(*element(3)));
-    EXPECT_TRUE(tracker.applicationActivationTimestampsByProcessIdentifier().empty());
+    EXPECT_EQ(state(),
+              "stack 3@2 | pending 8@30/30 7@40/50 | activated 30@11 | owners 3:7 | "
+              "elements 3:3");
+
+    // A process without known windows still loses its activation and pending focus, silently.
+    happen(WindowFocusEvent::applicationTerminated(30));
+    EXPECT_EQ(state(), "stack 3@2 | pending 7@40/50 | owners 3:7 | elements 3:3");
+    EXPECT_TRUE(logLines().empty());
 }
 
-TEST_F(MostRecentlyUsedWindowTrackerTest, DestroyingAnUnseenElementOnlyDropsItsPendingFocus) {
-    learnAndFocus(windows({1}), {1});
+TEST_F(MostRecentlyUsedWindowTrackerTest, DestructionForgetsAKnownWindowOrDropsPendingFocus) {
+    learnAndFocus(windows({1, 2}), {1, 2});
+    for (int absence = 0; absence < 5; ++absence) {
+        order(windows({1}));
+    }
     focus(5, 20);
     focus(6, 30);
 
-    tracker.windowFocusEventDidOccur(WindowFocusEvent::windowDestroyed(element(5)));
-
-    ASSERT_EQ(tracker.pendingFocusObservations().size(), 1u);
-    EXPECT_EQ(tracker.pendingFocusObservations().front().windowElement, *element(6));
-    EXPECT_EQ(stack(), (Ids{1}));
+    happen(WindowFocusEvent::windowDestroyed(element(5)));
+    EXPECT_EQ(state(),
+              "stack 2@2 1@1 | pending 6@30/7 | absent 2x5 | owners 1:7 2:7 | elements 1:1 2:2");
     EXPECT_TRUE(logLines().empty());
-    EXPECT_EQ(order(windows({1, 5, 6})), (Ids{6, 1, 5}));
-}
 
-TEST_F(MostRecentlyUsedWindowTrackerTest, DestroyingAKnownWindowForgetsIt) {
-    learnAndFocus(windows({1, 2}), {1, 2});
-
-    tracker.windowFocusEventDidOccur(WindowFocusEvent::windowDestroyed(element(2)));
-
+    happen(WindowFocusEvent::windowDestroyed(element(2)));
+    EXPECT_EQ(state(), "stack 1@1 | pending 6@30/7 | owners 1:7 | elements 1:1");
     EXPECT_EQ(logLines(), (Lines{"Purged destroyed window 2 from the recency stack"}));
-    EXPECT_EQ(stack(), (Ids{1}));
-    EXPECT_FALSE(timestampOf(2));
-    EXPECT_FALSE(tracker.owningProcessIdentifiersByWindowIdentifier().contains(2));
-    EXPECT_FALSE(tracker.windowIdentifiersByAccessibilityElement().contains(*element(2)));
     focus(2, 40);
-    EXPECT_EQ(tracker.pendingFocusObservations().size(), 1u);
-}
-
-TEST_F(MostRecentlyUsedWindowTrackerTest, AWindowForgottenByItsDestructionComesBackAsNew) {
-    learnAndFocus(windows({1, 2}), {1, 2});
-    for (int absence = 0; absence < 5; ++absence) {
-        tracker.orderedByRecency(windows({1}));
-    }
-    tracker.windowFocusEventDidOccur(WindowFocusEvent::windowDestroyed(element(2)));
-    EXPECT_FALSE(tracker.consecutiveAbsenceCountsByWindowIdentifier().contains(2));
+    EXPECT_EQ(state(), "stack 1@1 | pending 6@30/7 2@40/7 | owners 1:7 | elements 1:1");
 
     // The identifier returns: its earlier absences must not count against it.
     tracker.recordImmediateFocus(window(2));
     for (int absence = 0; absence < 9; ++absence) {
-        tracker.orderedByRecency(windows({1}));
+        order(windows({1}));
     }
     EXPECT_EQ(stack(), (Ids{2, 1}));
-    tracker.orderedByRecency(windows({1}));
+    order(windows({1}));
     EXPECT_EQ(stack(), (Ids{1}));
 }
 
-TEST_F(MostRecentlyUsedWindowTrackerTest, RecordingTheTopWindowRefreshesOnlyItsTimestamp) {
+TEST_F(MostRecentlyUsedWindowTrackerTest, RecordingRaisesWithTheClocksTimeAndTeachesTheElement) {
     learnAndFocus(windows({1, 2}), {1, 2});
     now = Date{50};
-
     tracker.recordImmediateFocus(window(2));
-
-    EXPECT_EQ(stack(), (Ids{2, 1}));
-    EXPECT_EQ(timestampOf(2), Date{50});
-    EXPECT_EQ(timestampOf(1), Date{1});
+    EXPECT_EQ(state(), "stack 2@50 1@1 | owners 1:7 2:7 | elements 1:1 2:2");
     EXPECT_EQ(logLines(), (Lines{"Recorded immediate focus of window 2"}));
-}
 
-TEST_F(MostRecentlyUsedWindowTrackerTest, RecordingAnUnseenWindowTeachesItsElement) {
-    now = Date{10};
+    now = Date{60};
     tracker.recordImmediateFocus(window(5, 9));
-    EXPECT_EQ(stack(), (Ids{5}));
-    EXPECT_EQ(tracker.owningProcessIdentifiersByWindowIdentifier().at(5), 9);
+    focus(5, 70, 9);
+    EXPECT_EQ(state(), "stack 5@70 2@50 1@1 | owners 1:7 2:7 5:9 | elements 1:1 2:2 5:5");
 
-    focus(5, 20, 9);
-    EXPECT_TRUE(tracker.pendingFocusObservations().empty());
-    EXPECT_EQ(timestampOf(5), Date{20});
-}
-
-TEST_F(MostRecentlyUsedWindowTrackerTest, StartAndStopDriveTheSourceAndLogOnly) {
-    learnAndFocus(windows({1, 2}), {1, 2});
-    focus(9, 20);
-
-    tracker.startTracking();
-    EXPECT_EQ(source->startCount, 1);
-    EXPECT_EQ(source->stopCount, 0);
-    tracker.stopTracking();
-    EXPECT_EQ(source->startCount, 1);
-    EXPECT_EQ(source->stopCount, 1);
-
-    EXPECT_EQ(logLines(), (Lines{"Started most-recently-used window tracking",
-                                 "Stopped most-recently-used window tracking"}));
-    EXPECT_EQ(stack(), (Ids{2, 1}));
-    EXPECT_EQ(tracker.pendingFocusObservations().size(), 1u);
-}
-
-TEST_F(MostRecentlyUsedWindowTrackerTest, WindowWithoutAnElementIsOrderedButItsElementNotLearned) {
-    auto bare = window(1);
+    // Without an element the window is still ordered, its element never learned.
+    auto bare = window(6);
     bare.accessibilityElement = nullptr;
-    now = Date{10};
     tracker.recordImmediateFocus(bare);
-
-    EXPECT_EQ(order({window(2), bare}), (Ids{1, 2}));
-    EXPECT_EQ(tracker.windowIdentifiersByAccessibilityElement().size(), 1u);
-    EXPECT_EQ(tracker.owningProcessIdentifiersByWindowIdentifier().at(1), 7);
+    EXPECT_EQ(order({window(1), bare}), (Ids{6, 1}));
+    EXPECT_EQ(state(),
+              "stack 6@70 5@70 2@50 1@1 | absent 2x1 5x1 | owners 1:7 2:7 5:9 6:7 | "
+              "elements 1:1 2:2 5:5");
 }
 
-struct InertEventCase {
-    const char* name;
-    WindowFocusEvent event;
-};
-
-class InertEventTest : public MostRecentlyUsedWindowTrackerTest,
-                       public ::testing::WithParamInterface<InertEventCase> {};
-
-TEST_P(InertEventTest, LeavesStackTimestampsPendingAndLogAlone) {
+// Creation and minimizing are not uses of a window.
+TEST_F(MostRecentlyUsedWindowTrackerTest, StartStopAndInertEventsLeaveTheOrderAlone) {
     learnAndFocus(windows({1, 2}), {2, 1});
     focus(9, 20);
-    capture.sink().clear();
+    const auto before = state();
     now = Date{500};
 
-    tracker.windowFocusEventDidOccur(GetParam().event);
-
-    EXPECT_EQ(stack(), (Ids{1, 2}));
-    EXPECT_EQ(timestampOf(1), Date{2});
-    EXPECT_EQ(timestampOf(2), Date{1});
-    ASSERT_EQ(tracker.pendingFocusObservations().size(), 1u);
-    EXPECT_EQ(tracker.pendingFocusObservations().front().observedTimestamp, Date{20});
-    EXPECT_EQ(tracker.windowIdentifiersByAccessibilityElement().size(), 2u);
-    EXPECT_EQ(tracker.owningProcessIdentifiersByWindowIdentifier().size(), 2u);
-    EXPECT_TRUE(tracker.applicationActivationTimestampsByProcessIdentifier().empty());
-    EXPECT_TRUE(logLines().empty());
+    tracker.startTracking();
+    EXPECT_EQ(std::pair(source->startCount, source->stopCount), std::pair(1, 0));
+    tracker.stopTracking();
+    EXPECT_EQ(std::pair(source->startCount, source->stopCount), std::pair(1, 1));
+    EXPECT_EQ(logLines(), (Lines{"Started most-recently-used window tracking",
+                                 "Stopped most-recently-used window tracking"}));
+    for (const auto& event : {WindowFocusEvent::windowCreated(7, element(2)),
+                              WindowFocusEvent::windowMiniaturized(7, element(2)),
+                              WindowFocusEvent::windowDeminiaturized(7, element(2)),
+                              WindowFocusEvent::focusedWindowChanged(7, nullptr),
+                              WindowFocusEvent::windowDestroyed(nullptr)}) {
+        SCOPED_TRACE(static_cast<int>(event.kind));
+        happen(event);
+        EXPECT_EQ(state(), before);
+        EXPECT_TRUE(logLines().empty());
+    }
+    EXPECT_EQ(before, "stack 1@2 2@1 | pending 9@20/7 | owners 1:7 2:7 | elements 1:1 2:2");
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Kinds, InertEventTest,
-    ::testing::Values(
-        InertEventCase{"created", WindowFocusEvent::windowCreated(7, element(2))},
-        InertEventCase{"miniaturized", WindowFocusEvent::windowMiniaturized(7, element(2))},
-        InertEventCase{"deminiaturized", WindowFocusEvent::windowDeminiaturized(7, element(2))},
-        InertEventCase{"focusWithoutElement", WindowFocusEvent::focusedWindowChanged(7, nullptr)},
-        InertEventCase{"destroyedWithoutElement", WindowFocusEvent::windowDestroyed(nullptr)}),
-    [](const auto& info) { return std::string(info.param.name); });
-
-struct MoveToFrontCase {
-    const char* name;
-    WindowIdentifier focused;
-    Ids expectedStack;
-};
-
-class MoveToFrontTest : public MostRecentlyUsedWindowTrackerTest,
-                        public ::testing::WithParamInterface<MoveToFrontCase> {};
-
-// The focus comes at t=0, before every earlier one: timestamps never decide the order.
-TEST_P(MoveToFrontTest, FocusPutsTheWindowOnTopWithTheClocksTime) {
+// Each focus comes at t=0, before every earlier one: timestamps never decide the order.
+TEST_F(MostRecentlyUsedWindowTrackerTest, FocusPutsTheWindowOnTopWithTheClocksTime) {
     learnAndFocus(windows({1, 2, 3, 4}), {1, 2, 3});
-
-    focus(static_cast<int>(GetParam().focused), 0);
-
-    EXPECT_EQ(stack(), GetParam().expectedStack);
-    EXPECT_EQ(timestampOf(GetParam().focused), Date{0});
+    const std::pair<int, std::string> steps[] = {
+        {3, "3@0 2@2 1@1"}, {2, "2@0 3@0 1@1"}, {1, "1@0 2@0 3@0"}, {4, "4@0 1@0 2@0 3@0"}};
+    for (const auto& [focused, expected] : steps) {
+        focus(focused, 0);
+        EXPECT_EQ(state(),
+                  "stack " + expected + " | owners 1:7 2:7 3:7 4:7 | elements 1:1 2:2 3:3 4:4");
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(Positions, MoveToFrontTest,
-                         ::testing::Values(MoveToFrontCase{"top", 3, {3, 2, 1}},
-                                           MoveToFrontCase{"middle", 2, {2, 3, 1}},
-                                           MoveToFrontCase{"bottom", 1, {1, 3, 2}},
-                                           MoveToFrontCase{"learnedOnly", 4, {4, 3, 2, 1}}),
-                         [](const auto& info) { return std::string(info.param.name); });
 
 }  // namespace
 }  // namespace orvane

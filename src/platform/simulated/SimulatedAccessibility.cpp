@@ -154,6 +154,64 @@ AccessibilityPort::AttributeReading SimulatedAccessibility::copyAttributeValue(
     return failure(accessibility_error::attributeUnsupported);
 }
 
+AccessibilityError SimulatedAccessibility::setAttributeValue(
+    const AccessibilityElementHandle& element, std::string_view attribute,
+    const AccessibilityValue& value) {
+    const auto* simulated = simulatedElement(element);
+    if (simulated == nullptr) {
+        return accessibility_error::illegalArgument;
+    }
+    const auto* flag = std::get_if<bool>(&value.storage);
+    changeLog_.push_back(std::string(attribute) + "=" +
+                         (flag == nullptr ? "?" : (*flag ? "true" : "false")) + " on " +
+                         std::to_string(simulated->windowIdentifier()));
+    const auto* target = desktop_.window(simulated->windowIdentifier());
+    if (simulated->isApplication() || target == nullptr ||
+        target->owningProcessIdentifier != simulated->processIdentifier()) {
+        return accessibility_error::invalidElement;
+    }
+    if (!spendCallTime(element)) {
+        return accessibility_error::cannotComplete;
+    }
+    if (flag == nullptr) {
+        return accessibility_error::illegalArgument;
+    }
+    if (attribute == "AXMinimized") {
+        desktop_.setWindowMinimized(simulated->windowIdentifier(), *flag);
+        return accessibility_error::success;
+    }
+    if (attribute == "AXMain") {
+        if (*flag) {
+            desktop_.makeMainWindow(simulated->windowIdentifier());
+        }
+        return accessibility_error::success;
+    }
+    return accessibility_error::attributeUnsupported;
+}
+
+AccessibilityError SimulatedAccessibility::performAction(const AccessibilityElementHandle& element,
+                                                         std::string_view action) {
+    const auto* simulated = simulatedElement(element);
+    if (simulated == nullptr) {
+        return accessibility_error::illegalArgument;
+    }
+    changeLog_.push_back(std::string(action) + " on " +
+                         std::to_string(simulated->windowIdentifier()));
+    const auto* target = desktop_.window(simulated->windowIdentifier());
+    if (simulated->isApplication() || target == nullptr ||
+        target->owningProcessIdentifier != simulated->processIdentifier()) {
+        return accessibility_error::invalidElement;
+    }
+    if (!spendCallTime(element)) {
+        return accessibility_error::cannotComplete;
+    }
+    if (action == "AXRaise") {
+        desktop_.raiseWindow(simulated->windowIdentifier());
+        return accessibility_error::success;
+    }
+    return accessibility_error::actionUnsupported;
+}
+
 AccessibilityElementHandle SimulatedAccessibility::createApplicationElement(
     ProcessIdentifier process) {
     return std::make_shared<SimulatedAccessibilityElement>(process, 0);

@@ -21,6 +21,12 @@ class SimulatedAccessibility final : public AccessibilityPort {
 
     AttributeReading copyAttributeValue(const AccessibilityElementHandle& element,
                                         std::string_view attribute) const override;
+    // "AXMinimized" and "AXMain" (Boolean) of a window; "AXRaise" of a window.
+    AccessibilityError setAttributeValue(const AccessibilityElementHandle& element,
+                                         std::string_view attribute,
+                                         const AccessibilityValue& value) override;
+    AccessibilityError performAction(const AccessibilityElementHandle& element,
+                                     std::string_view action) override;
     AccessibilityElementHandle createApplicationElement(ProcessIdentifier process) override;
     AccessibilityError setMessagingTimeout(const AccessibilityElementHandle& element,
                                            float seconds) override;
@@ -50,6 +56,8 @@ class SimulatedAccessibility final : public AccessibilityPort {
     const std::vector<float>& messagingTimeoutsSet() const { return messagingTimeoutsSet_; }
     // Calls of `copyAttributeValue` made so far.
     std::size_t attributeReadCount() const { return attributeReadCount_; }
+    // Attribute writes and actions, in order, as "AXMinimized=false on 12" or "AXRaise on 12".
+    const std::vector<std::string>& changeLog() const { return changeLog_; }
 
   private:
     class Observer;
@@ -60,6 +68,7 @@ class SimulatedAccessibility final : public AccessibilityPort {
     SimulatedDesktop& desktop_;
     std::vector<std::weak_ptr<Observer>> observers_;
     std::vector<float> messagingTimeoutsSet_;
+    std::vector<std::string> changeLog_;
     mutable std::size_t attributeReadCount_ = 0;
 };
 

@@ -15,7 +15,23 @@ SimulatedDesktop::SimulatedDesktop(ProcessIdentifier currentProcessIdentifier)
     : currentProcessIdentifier_(currentProcessIdentifier),
       accessibility_(*this),
       windowList_(*this),
-      workspace_(*this) {}
+      workspace_(*this),
+      eventTaps_(*this) {}
+
+SimulatedDesktop::KeyDelivery SimulatedDesktop::postKeyboardEvent(KeyboardEventType type,
+                                                                  const KeyboardEvent& event) {
+    if (type == keyboard_event_type::flagsChanged) {
+        heldModifierFlags_ = event.flags();
+    }
+    KeyDelivery delivery;
+    delivery.swallowed = eventTaps_.deliver(type, event);
+    if (!delivery.swallowed && frontmost_) {
+        delivery.receiver = frontmost_;
+        keyEventsReceivedByApplications_.push_back(
+            {*frontmost_, type, event.integerValueField(KeyboardEventField::keycode)});
+    }
+    return delivery;
+}
 
 std::shared_ptr<SimulatedAccessibility> SimulatedDesktop::accessibilityPort() {
     return {shared_from_this(), &accessibility_};
@@ -31,6 +47,15 @@ std::shared_ptr<SimulatedNotificationCenter> SimulatedDesktop::workspaceNotifica
 }
 std::shared_ptr<SimulatedRunLoop> SimulatedDesktop::runLoopPort() {
     return {shared_from_this(), &runLoop_};
+}
+std::shared_ptr<SimulatedScreens> SimulatedDesktop::screensPort() {
+    return {shared_from_this(), &screens_};
+}
+std::shared_ptr<SimulatedEventTap> SimulatedDesktop::eventTapPort() {
+    return {shared_from_this(), &eventTaps_};
+}
+std::shared_ptr<SimulatedNotificationCenter> SimulatedDesktop::distributedNotificationCenter() {
+    return {shared_from_this(), &distributedNotificationCenter_};
 }
 
 SimulatedApplication* SimulatedDesktop::application(ProcessIdentifier process) {
@@ -200,6 +225,39 @@ bool SimulatedDesktop::focusWindow(WindowIdentifier identifier) {
     if (owner->focusedWindow != identifier || cameForward) {
         owner->focusedWindow = identifier;
         deliverAccessibilityNotification(process, identifier, "AXFocusedWindowChanged");
+    }
+    return true;
+}
+
+bool SimulatedDesktop::raiseWindow(WindowIdentifier identifier) {
+    const auto* target = window(identifier);
+    if (target == nullptr) {
+        return false;
+    }
+    // Just in front of its application's frontmost window, which may stand behind others.
+    const auto process = target->owningProcessIdentifier;
+    const auto position = std::find(zOrder_.begin(), zOrder_.end(), identifier);
+    const auto firstOfApplication =
+        std::find_if(zOrder_.begin(), position, [&](WindowIdentifier other) {
+            return windows_.at(other).owningProcessIdentifier == process;
+        });
+    std::rotate(firstOfApplication, position, position + 1);
+    return true;
+}
+
+bool SimulatedDesktop::makeMainWindow(WindowIdentifier identifier) {
+    const auto* target = window(identifier);
+    if (target == nullptr) {
+        return false;
+    }
+    auto* owner = application(target->owningProcessIdentifier);
+    if (owner->focusedWindow == identifier) {
+        return true;
+    }
+    owner->focusedWindow = identifier;
+    if (frontmost_ == target->owningProcessIdentifier) {
+        deliverAccessibilityNotification(target->owningProcessIdentifier, identifier,
+                                         "AXFocusedWindowChanged");
     }
     return true;
 }

@@ -29,4 +29,12 @@ std::optional<RunningApplication> SimulatedWorkspace::frontmostApplication() con
     return runningApplication(*frontmost);
 }
 
+bool SimulatedWorkspace::activateApplication(ProcessIdentifier processIdentifier, unsigned) {
+    activationRequests_.push_back(processIdentifier);
+    if (refusesActivation) {
+        return false;
+    }
+    return desktop_.activateApplication(processIdentifier);
+}
+
 }  // namespace orvane

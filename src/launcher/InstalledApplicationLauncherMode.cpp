@@ -1,0 +1,180 @@
+#include "launcher/InstalledApplicationLauncherMode.h"
+
+#include <unicode/locid.h>
+#include <unicode/stringpiece.h>
+#include <unicode/unistr.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <string_view>
+#include <utility>
+
+#include "launcher/LauncherMatchScore.h"
+
+namespace orvane {
+
+namespace {
+
+constexpr std::string_view applicationSuffix = ".app";
+
+std::vector<std::string> searchedDirectories(const FileManagerPort& fileManager) {
+    std::vector<std::string> directories{"/Applications", "/Applications/Utilities",
+                                         "/System/Applications", "/System/Applications/Utilities"};
+    if (const auto home = fileManager.homeDirectoryForCurrentUser()) {
+        directories.push_back((std::filesystem::path(*home) / "Applications").string());
+    }
+    return directories;
+}
+
+std::unique_ptr<icu::Collator> makeCaseInsensitiveCollator() {
+    icu::Locale locale = icu::Locale::getDefault();
+    // The C and POSIX locales name no language, and their collation is code point order, which
+    // would put "Numbers" before "notes": the root order stands in for them.
+    if (std::string_view(locale.getVariant()) == "POSIX") {
+        locale = icu::Locale::getRoot();
+    }
+    UErrorCode status = U_ZERO_ERROR;
+    std::unique_ptr<icu::Collator> collator(icu::Collator::createInstance(locale, status));
+    if (U_FAILURE(status) || !collator) {
+        return nullptr;
+    }
+    // Secondary strength ignores case and keeps accents, as a case-insensitive comparison does.
+    collator->setStrength(icu::Collator::SECONDARY);
+    return collator;
+}
+
+icu::StringPiece piece(std::string_view text) {
+    return icu::StringPiece(text.data(), static_cast<int32_t>(text.size()));
+}
+
+}  // namespace
+
+InstalledApplicationLauncherMode::InstalledApplicationLauncherMode(
+    std::shared_ptr<FileManagerPort> fileManager,
+    std::shared_ptr<ApplicationLauncherPort> applicationLauncher, std::shared_ptr<SoundPort> sound,
+    std::shared_ptr<RunLoopPort> mainRunLoop, CurrentDateProvider currentDate)
+    : searchedDirectoryPaths_(searchedDirectories(*fileManager)),
+      fileManager_(std::move(fileManager)),
+      applicationLauncher_(std::move(applicationLauncher)),
+      sound_(std::move(sound)),
+      mainRunLoop_(std::move(mainRunLoop)),
+      currentDate_(std::move(currentDate)),
+      collator_(makeCaseInsensitiveCollator()) {}
+
+std::vector<LauncherItem> InstalledApplicationLauncherMode::items(const std::string& query) {
+    struct ScoredApplication {
+        int score;
+        std::string displayName;
+        const ApplicationLocator* locator;
+        std::string collationKey;
+    };
+    std::vector<ScoredApplication> matches;
+    for (const auto& locator : applicationLocators()) {
+        auto displayName = applicationDisplayName(locator.path);
+        if (const auto score = launcherMatchScore(query, displayName)) {
+            matches.push_back({*score, std::move(displayName), &locator, {}});
+        }
+    }
+    // Keys once per match, so the sort compares bytes rather than collating each time.
+    for (auto& match : matches) {
+        match.collationKey = collationKey(match.displayName);
+    }
+    // Stable: an application listed in two folders keeps the scan's order.
+    std::stable_sort(matches.begin(), matches.end(),
+                     [](const ScoredApplication& left, const ScoredApplication& right) {
+                         if (left.score != right.score) {
+                             return left.score > right.score;
+                         }
+                         return left.collationKey < right.collationKey;
+                     });
+
+    std::vector<LauncherItem> result;
+    result.reserve(matches.size());
+    for (auto& match : matches) {
+        LauncherItem item;
+        item.identifier = match.locator->path;
+        item.title = std::move(match.displayName);
+        item.subtitle = match.locator->parentDirectoryPath;
+        item.icon = fileManager_->iconForFile(match.locator->path);
+        result.push_back(std::move(item));
+    }
+    return result;
+}
+
+void InstalledApplicationLauncherMode::activate(const LauncherItem& item) {
+    log_.info("launching application %{public}s", item.title);
+    // The completion may come on another thread: it touches only the log and the run loop, and it
+    // holds the ports, not the mode.
+    applicationLauncher_->openApplication(
+        item.identifier, [&log = log_, mainRunLoop = mainRunLoop_,
+                          sound = sound_](std::optional<std::string> errorDescription) {
+            if (!errorDescription) {
+                return;
+            }
+            log.error("application launch failed: %{public}s", *errorDescription);
+            mainRunLoop->post([sound] { sound->beep(); });
+        });
+}
+
+const std::vector<InstalledApplicationLauncherMode::ApplicationLocator>&
+InstalledApplicationLauncherMode::applicationLocators() {
+    const Date now = currentDate_();
+    // A clock that went back leaves a negative age, which counts as fresh.
+    if (cacheScanDate_ &&
+        now.secondsSinceReferenceDate - cacheScanDate_->secondsSinceReferenceDate < cacheLifetime) {
+        return cachedApplicationLocators_;
+    }
+    std::vector<ApplicationLocator> locators;
+    for (const auto& directory : searchedDirectoryPaths_) {
+        // A missing or unreadable folder counts as empty, silently.
+        const auto listing =
+            fileManager_->contentsOfDirectory(directory, FileManagerPort::skipsHiddenFiles);
+        if (!listing) {
+            continue;
+        }
+        for (const auto& entry : *listing) {
+            const std::filesystem::path lexical(entry);
+            // Exact and case-sensitive: "Foo.APP" is not an application.
+            if (lexical.extension().string() == applicationSuffix) {
+                locators.push_back({entry, lexical.parent_path().string()});
+            }
+        }
+    }
+    cachedApplicationLocators_ = std::move(locators);
+    cacheScanDate_ = now;
+    log_.info("scanned %{public}ld installed applications",
+              static_cast<long>(cachedApplicationLocators_.size()));
+    return cachedApplicationLocators_;
+}
+
+std::string InstalledApplicationLauncherMode::applicationDisplayName(
+    const std::string& applicationPath) const {
+    std::string name = fileManager_->displayName(applicationPath);
+    if (name.ends_with(applicationSuffix)) {
+        name.erase(name.size() - applicationSuffix.size());
+    } else if (name.empty()) {
+        name = std::filesystem::path(applicationPath).stem().string();
+    }
+    return name;
+}
+
+std::string InstalledApplicationLauncherMode::collationKey(const std::string& displayName) const {
+    if (!collator_) {
+        return displayName;
+    }
+    const auto text = icu::UnicodeString::fromUTF8(piece(displayName));
+    std::string key(displayName.size() * 3 + 8, '\0');
+    auto write = [&] {
+        return collator_->getSortKey(text, reinterpret_cast<uint8_t*>(key.data()),
+                                     static_cast<int32_t>(key.size()));
+    };
+    auto length = static_cast<std::size_t>(write());
+    if (length > key.size()) {
+        key.resize(length);
+        write();
+    }
+    key.resize(length);
+    return key;
+}
+
+}  // namespace orvane

@@ -1,0 +1,78 @@
+// The launcher mode that finds installed applications by name and opens them. It lists fixed
+// application folders, remembers that list for 30 seconds, and matches each display name on every
+// keystroke.
+#pragma once
+
+#include <unicode/coll.h>
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/Date.h"
+#include "core/LauncherMode.h"
+#include "core/Logger.h"
+#include "platform/ApplicationLauncherPort.h"
+#include "platform/FileManagerPort.h"
+#include "platform/RunLoopPort.h"
+#include "platform/SoundPort.h"
+
+namespace orvane {
+
+class InstalledApplicationLauncherMode final : public LauncherMode {
+  public:
+    using CurrentDateProvider = std::function<Date()>;
+
+    // The age at which the list of applications is scanned again.
+    static constexpr double cacheLifetime = 30.0;
+
+    // The searched folders are fixed here: the four system ones, then "Applications" in the home
+    // folder when there is one. A launch failure beeps through `mainRunLoop`, whose `post` must
+    // accept work from any thread. Main thread only.
+    InstalledApplicationLauncherMode(std::shared_ptr<FileManagerPort> fileManager,
+                                     std::shared_ptr<ApplicationLauncherPort> applicationLauncher,
+                                     std::shared_ptr<SoundPort> sound,
+                                     std::shared_ptr<RunLoopPort> mainRunLoop,
+                                     CurrentDateProvider currentDate);
+
+    std::string modeDisplayName() const override { return "Applications"; }
+    std::string searchPlaceholder() const override { return "Search applications"; }
+    // Rescans when the cache is empty or `cacheLifetime` old; higher scores first, then display
+    // names in the locale's case-insensitive order, then scan order.
+    std::vector<LauncherItem> items(const std::string& query) override;
+    // Opens the application at the item's path. A failure, reported later, logs one error and
+    // beeps once on the main run loop; nothing is retried.
+    void activate(const LauncherItem& item) override;
+
+    const std::vector<std::string>& searchedDirectoryPaths() const {
+        return searchedDirectoryPaths_;
+    }
+
+  private:
+    // One scanned application; the parent folder is derived once per scan, not per keystroke.
+    struct ApplicationLocator {
+        std::string path;
+        std::string parentDirectoryPath;
+    };
+
+    const std::vector<ApplicationLocator>& applicationLocators();
+    std::string applicationDisplayName(const std::string& applicationPath) const;
+    // Bytes whose order is the locale's case-insensitive order of display names.
+    std::string collationKey(const std::string& displayName) const;
+
+    std::vector<std::string> searchedDirectoryPaths_;
+    std::shared_ptr<FileManagerPort> fileManager_;
+    std::shared_ptr<ApplicationLauncherPort> applicationLauncher_;
+    std::shared_ptr<SoundPort> sound_;
+    std::shared_ptr<RunLoopPort> mainRunLoop_;
+    CurrentDateProvider currentDate_;
+    const Logger& log_ = Logger::forCategory(LogCategory::launcher);
+    // Nothing when the locale's collator could not be made; names then compare by bytes.
+    std::unique_ptr<icu::Collator> collator_;
+    std::vector<ApplicationLocator> cachedApplicationLocators_;
+    std::optional<Date> cacheScanDate_;
+};
+
+}  // namespace orvane
