@@ -11,49 +11,17 @@
 #include <vector>
 
 #include "core/ScopedLogCapture.h"
+#include "launcher/InstalledApplicationLauncherMode.h"
 #include "launcher/LauncherMatchScore.h"
 #include "launcher/LauncherSessionCoordinator.h"
+#include "launcher/WindowLauncherMode.h"
+#include "platform/simulated/SimulatedApplicationLauncher.h"
+#include "platform/simulated/SimulatedDesktop.h"
+#include "platform/simulated/SimulatedFileSystem.h"
+#include "platform/simulated/SimulatedSound.h"
 
 namespace orvane {
 namespace {
-
-// Scores prebuilt candidates the way the real modes do: every candidate per keystroke, matches
-// sorted by score then by position, one item built per match.
-class CandidateListLauncherMode final : public LauncherMode {
-  public:
-    struct Candidate {
-        std::string searched;
-        std::string title;
-        std::string subtitle;
-    };
-
-    explicit CandidateListLauncherMode(std::vector<Candidate> candidates)
-        : candidates_(std::move(candidates)) {}
-
-    std::string modeDisplayName() const override { return "Benchmark"; }
-    std::string searchPlaceholder() const override { return "Search"; }
-    std::vector<LauncherItem> items(const std::string& query) override {
-        std::vector<std::pair<int, std::size_t>> matches;
-        for (std::size_t index = 0; index < candidates_.size(); ++index) {
-            if (auto score = launcherMatchScore(query, candidates_[index].searched)) {
-                matches.emplace_back(-*score, index);
-            }
-        }
-        std::sort(matches.begin(), matches.end());
-        std::vector<LauncherItem> result;
-        result.reserve(matches.size());
-        for (const auto& [negativeScore, index] : matches) {
-            const Candidate& candidate = candidates_[index];
-            result.push_back({candidate.subtitle + "/" + candidate.title, candidate.title,
-                              candidate.subtitle, std::nullopt});
-        }
-        return result;
-    }
-    void activate(const LauncherItem&) override {}
-
-  private:
-    std::vector<Candidate> candidates_;
-};
 
 class DiscardingPresenter final : public SwitcherOverlayPresenting {
   public:
@@ -102,24 +70,60 @@ std::vector<std::string> applicationLikeNames(std::size_t count) {
     return names;
 }
 
+// The real applications mode over a simulated disk holding `count` bundles in the folders it
+// searches; its listing is cached for thirty seconds of a clock that never moves here.
 std::shared_ptr<LauncherMode> applicationsMode(std::size_t count) {
-    std::vector<CandidateListLauncherMode::Candidate> candidates;
-    for (auto& name : applicationLikeNames(count)) {
-        candidates.push_back({name, name, "/Applications"});
+    auto runLoop = std::make_shared<SimulatedRunLoop>();
+    auto fileSystem = std::make_shared<SimulatedFileSystem>();
+    fileSystem->createApplicationFolders();
+    const auto names = applicationLikeNames(count);
+    for (std::size_t index = 0; index < names.size(); ++index) {
+        fileSystem->addApplication(SimulatedFileSystem::applicationFolders[index % 4],
+                                   names[index] + ".app");
     }
-    return std::make_shared<CandidateListLauncherMode>(std::move(candidates));
+    auto mode = std::make_shared<InstalledApplicationLauncherMode>(
+        fileSystem, std::make_shared<SimulatedApplicationLauncher>(runLoop),
+        std::make_shared<SimulatedSound>(), runLoop, [runLoop] { return runLoop->now(); });
+    mode->items("");
+    return mode;
 }
 
-// As the windows mode searches: application name, one space, window title.
+// A desktop of `count` windows, listed as enumerated: typing never enumerates again.
+class FixedWindows final : public WindowEnumerationService,
+                           public MostRecentlyUsedWindowOrdering,
+                           public WindowActivationService {
+  public:
+    explicit FixedWindows(std::vector<SwitchableWindow> windows) : windows_(std::move(windows)) {}
+    std::vector<SwitchableWindow> enumerateSwitchableWindows() override { return windows_; }
+    void startTracking() override {}
+    void stopTracking() override {}
+    std::vector<SwitchableWindow> orderedByRecency(std::vector<SwitchableWindow> windows) override {
+        return windows;
+    }
+    void recordImmediateFocus(const SwitchableWindow&) override {}
+    void activate(const SwitchableWindow&) override {}
+
+  private:
+    std::vector<SwitchableWindow> windows_;
+};
+
+// The real windows mode: candidates of application name, one space and title.
 std::shared_ptr<LauncherMode> windowsMode(std::size_t count) {
     const auto applications = applicationLikeNames(40);
     const auto titles = applicationLikeNames(count);
-    std::vector<CandidateListLauncherMode::Candidate> candidates;
+    std::vector<SwitchableWindow> windows;
     for (std::size_t index = 0; index < count; ++index) {
-        const std::string& application = applications[index % applications.size()];
-        candidates.push_back({application + " " + titles[index], titles[index], application});
+        SwitchableWindow window;
+        window.windowIdentifier = static_cast<WindowIdentifier>(index + 1);
+        window.owningProcessIdentifier = static_cast<ProcessIdentifier>(400 + index % 40);
+        window.owningApplicationName = applications[index % applications.size()];
+        window.windowTitle = titles[index];
+        windows.push_back(std::move(window));
     }
-    return std::make_shared<CandidateListLauncherMode>(std::move(candidates));
+    auto fixed = std::make_shared<FixedWindows>(std::move(windows));
+    return std::make_shared<WindowLauncherMode>(fixed, fixed, fixed,
+                                                SimulatedDesktop::make()->workspacePort(),
+                                                std::make_shared<SimulatedSound>());
 }
 
 // One keystroke that extends the query `typedBefore` by `key`: append, score every candidate,

@@ -2,7 +2,6 @@
 
 #include <map>
 #include <optional>
-#include <ostream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -216,7 +215,7 @@ TEST(WindowCorrelation, WithoutFrameCandidateATitledEntryPairsByTitle) {
               "10:4 11:2 12:3 14:1 | 13 unpaired 15 unpaired 16 untitled 17 untitled");
 }
 
-TEST(WindowCorrelation, SubroleDecidesAfterPairing) {
+TEST(WindowCorrelation, SubroleDecidesAfterPairingAndItsSnapshotStaysClaimed) {
     const std::pair<OptionalText, bool> cases[] = {
         {std::nullopt, true}, {"AXStandardWindow", true},  {"AXDialog", false},
         {"", false},          {"axstandardwindow", false},
@@ -227,10 +226,7 @@ TEST(WindowCorrelation, SubroleDecidesAfterPairing) {
                             {{editor, {snapshot(1, frameA, "Doc", subrole)}}}),
                   switchable ? "10:1 |" : " | 10 subrole");
     }
-}
-
-// A panel claimed by one entry must not be handed to the next entry at the same frame.
-TEST(WindowCorrelation, NonStandardSubroleStillConsumesTheSnapshot) {
+    // A panel claimed by one entry must not be handed to the next entry at the same frame.
     EXPECT_EQ(
         correlate(
             {entry(10, editor, frameA), entry(11, editor, frameA), entry(12, editor, frameA)},

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <map>
 #include <memory>
-#include <optional>
 #include <ostream>
 #include <sstream>
 #include <string>

@@ -154,6 +154,18 @@ AccessibilityPort::AttributeReading SimulatedAccessibility::copyAttributeValue(
     return failure(accessibility_error::attributeUnsupported);
 }
 
+AccessibilityError SimulatedAccessibility::reachWindow(
+    const AccessibilityElementHandle& element) const {
+    const auto* simulated = simulatedElement(element);
+    const auto* target = desktop_.window(simulated->windowIdentifier());
+    if (simulated->isApplication() || target == nullptr ||
+        target->owningProcessIdentifier != simulated->processIdentifier()) {
+        return accessibility_error::invalidElement;
+    }
+    return spendCallTime(element) ? accessibility_error::success
+                                  : accessibility_error::cannotComplete;
+}
+
 AccessibilityError SimulatedAccessibility::setAttributeValue(
     const AccessibilityElementHandle& element, std::string_view attribute,
     const AccessibilityValue& value) {
@@ -165,13 +177,8 @@ AccessibilityError SimulatedAccessibility::setAttributeValue(
     changeLog_.push_back(std::string(attribute) + "=" +
                          (flag == nullptr ? "?" : (*flag ? "true" : "false")) + " on " +
                          std::to_string(simulated->windowIdentifier()));
-    const auto* target = desktop_.window(simulated->windowIdentifier());
-    if (simulated->isApplication() || target == nullptr ||
-        target->owningProcessIdentifier != simulated->processIdentifier()) {
-        return accessibility_error::invalidElement;
-    }
-    if (!spendCallTime(element)) {
-        return accessibility_error::cannotComplete;
+    if (auto error = reachWindow(element); error != accessibility_error::success) {
+        return error;
     }
     if (flag == nullptr) {
         return accessibility_error::illegalArgument;
@@ -197,13 +204,8 @@ AccessibilityError SimulatedAccessibility::performAction(const AccessibilityElem
     }
     changeLog_.push_back(std::string(action) + " on " +
                          std::to_string(simulated->windowIdentifier()));
-    const auto* target = desktop_.window(simulated->windowIdentifier());
-    if (simulated->isApplication() || target == nullptr ||
-        target->owningProcessIdentifier != simulated->processIdentifier()) {
-        return accessibility_error::invalidElement;
-    }
-    if (!spendCallTime(element)) {
-        return accessibility_error::cannotComplete;
+    if (auto error = reachWindow(element); error != accessibility_error::success) {
+        return error;
     }
     if (action == "AXRaise") {
         desktop_.raiseWindow(simulated->windowIdentifier());

@@ -64,6 +64,8 @@ class SimulatedAccessibility final : public AccessibilityPort {
 
     // Spends the time a call to the process takes; false when it runs past the element's timeout.
     bool spendCallTime(const AccessibilityElementHandle& element) const;
+    // Whether a change can reach the window the element names, and the time that costs.
+    AccessibilityError reachWindow(const AccessibilityElementHandle& element) const;
 
     SimulatedDesktop& desktop_;
     std::vector<std::weak_ptr<Observer>> observers_;

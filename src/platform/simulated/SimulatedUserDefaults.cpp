@@ -1,0 +1,23 @@
+#include "platform/simulated/SimulatedUserDefaults.h"
+
+namespace orvane {
+
+std::optional<std::string> SimulatedUserDefaults::dataForKey(const std::string& key) const {
+    const auto found = values_.find(key);
+    if (found == values_.end()) {
+        return std::nullopt;
+    }
+    return found->second;
+}
+
+void SimulatedUserDefaults::setData(const std::string& key, const std::string& bytes) {
+    values_[key] = bytes;
+    ++writeCounts_[key];
+}
+
+std::size_t SimulatedUserDefaults::writeCount(const std::string& key) const {
+    const auto found = writeCounts_.find(key);
+    return found == writeCounts_.end() ? 0 : found->second;
+}
+
+}  // namespace orvane
