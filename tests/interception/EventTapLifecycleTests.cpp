@@ -11,6 +11,7 @@
 #include "interception/GlobalShortcutInterceptor.h"
 #include "platform/simulated/SimulatedDesktop.h"
 #include "platform/simulated/SimulatedKeyboardEvent.h"
+#include "simulator/StandInPreferencesProvider.h"
 
 namespace orvane {
 namespace {
@@ -54,16 +55,6 @@ class RecordingSessions final : public SwitcherSessionDriving, public LauncherSe
     }
 };
 
-class FixedPreferences final : public PreferencesProviding {
-  public:
-    SwitcherPreferences preferences() const override { return {}; }
-    void setPreferences(const SwitcherPreferences&) override {}
-    ObservationToken observePreferences(std::function<void(const SwitcherPreferences&)>) override {
-        return 0;
-    }
-    void removePreferencesObserver(ObservationToken) override {}
-};
-
 constexpr KeyboardEventFlags option = keyboard_event_flag::option;
 constexpr EventKeyCode tab = 48;
 
@@ -102,7 +93,7 @@ class EventTapLifecycleTest : public testing::Test {
     std::shared_ptr<RecordingSessions> sessions = std::make_shared<RecordingSessions>();
     std::shared_ptr<GlobalShortcutInterceptor> interceptor =
         std::make_shared<GlobalShortcutInterceptor>(
-            sessions, sessions, std::make_shared<FixedPreferences>(),
+            sessions, sessions, std::make_shared<simulator::StandInPreferencesProvider>(),
             GlobalShortcutInterceptor::Platform{
                 desktop->eventTapPort(), desktop->workspaceNotificationCenter(),
                 desktop->distributedNotificationCenter(), desktop->runLoopPort()});

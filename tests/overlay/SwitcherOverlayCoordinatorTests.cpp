@@ -15,6 +15,7 @@
 #include "platform/simulated/SimulatedOverlayPanel.h"
 #include "platform/simulated/SimulatedRunLoop.h"
 #include "platform/simulated/SimulatedScreens.h"
+#include "simulator/StandInPreferencesProvider.h"
 
 namespace orvane {
 namespace {
@@ -44,18 +45,6 @@ class PendingCaptureService final : public WindowThumbnailCaptureService {
     }
 
     std::vector<Request> requests;
-};
-
-class FixedPreferences final : public PreferencesProviding {
-  public:
-    SwitcherPreferences preferences() const override { return value; }
-    void setPreferences(const SwitcherPreferences& preferences) override { value = preferences; }
-    ObservationToken observePreferences(std::function<void(const SwitcherPreferences&)>) override {
-        return 0;
-    }
-    void removePreferencesObserver(ObservationToken) override {}
-
-    SwitcherPreferences value;
 };
 
 SwitchableWindow window(WindowIdentifier identifier) {
@@ -99,7 +88,8 @@ class SwitcherOverlayCoordinatorTest : public testing::Test {
 
     ScopedLogCapture capture;
     std::shared_ptr<PendingCaptureService> captures = std::make_shared<PendingCaptureService>();
-    std::shared_ptr<FixedPreferences> preferences = std::make_shared<FixedPreferences>();
+    std::shared_ptr<simulator::StandInPreferencesProvider> preferences =
+        std::make_shared<simulator::StandInPreferencesProvider>();
     std::shared_ptr<SimulatedScreens> screens = std::make_shared<SimulatedScreens>();
     std::shared_ptr<SimulatedOverlayPanel> panel = std::make_shared<SimulatedOverlayPanel>();
     std::shared_ptr<SimulatedRunLoop> runLoop = std::make_shared<SimulatedRunLoop>();
@@ -154,13 +144,15 @@ TEST_F(SwitcherOverlayCoordinatorTest, PresentsCentredOnTheVisibleFrameOfTheScre
 }
 
 TEST_F(SwitcherOverlayCoordinatorTest, AskForThumbnailsInListOrderOnlyWhenEnabled) {
-    preferences->value.thumbnailsEnabled = false;
+    SwitcherPreferences withoutThumbnails;
+    withoutThumbnails.thumbnailsEnabled = false;
+    preferences->setPreferences(withoutThumbnails);
     coordinator->presentSwitcher(windows({3, 1, 2}), 1);
     runLoop->runUntilIdle();
     EXPECT_TRUE(captures->requests.empty());
     EXPECT_FALSE(coordinator->viewModel()->thumbnailsEnabled.value());
 
-    preferences->value.thumbnailsEnabled = true;
+    preferences->setPreferences({});
     coordinator->presentSwitcher(windows({3, 1, 2}), 1);
     // The presentation itself waits for nothing: the tasks start afterwards.
     EXPECT_TRUE(captures->requests.empty());
