@@ -14,6 +14,7 @@
 #include "recency/AccessibilityWindowFocusEventSource.h"
 #include "recency/MostRecentlyUsedWindowTracker.h"
 #include "support/ForwardingAccessibilityPort.h"
+#include "support/TakeLog.h"
 
 namespace orvane {
 namespace {
@@ -93,13 +94,7 @@ SwitchableWindow switchable(WindowIdentifier window, ProcessIdentifier process,
 
 // Every line must be an error of the activation category; each ends in a newline.
 std::string takeLog(ScopedLogCapture& capture) {
-    std::string log;
-    for (const auto& record : capture.sink().takeRecords()) {
-        EXPECT_EQ(record.category, LogCategory::windowactivation) << record.message;
-        EXPECT_EQ(record.level, LogLevel::error) << record.message;
-        log += record.message + "\n";
-    }
-    return log;
+    return takeLog(capture, LogCategory::windowactivation, LogLevel::error);
 }
 
 // Safari (400) is frontmost with window 401; Notes (500) waits behind with window 501.

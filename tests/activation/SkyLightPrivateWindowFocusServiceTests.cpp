@@ -13,6 +13,7 @@
 #include "platform/posix/PosixDynamicLibrary.h"
 #include "platform/simulated/SimulatedDesktop.h"
 #include "platform/simulated/SimulatedSkyLight.h"
+#include "support/TakeLog.h"
 
 namespace orvane {
 namespace {
@@ -49,13 +50,7 @@ TEST(SkyLightEventRecord, IsTheWireFormatWithTheWindowLeastSignificantByteFirst)
 
 // Every line must be an error of the activation category; each ends in a newline.
 std::string takeLog(ScopedLogCapture& capture) {
-    std::string log;
-    for (const auto& record : capture.sink().takeRecords()) {
-        EXPECT_EQ(record.category, LogCategory::windowactivation) << record.message;
-        EXPECT_EQ(record.level, LogLevel::error) << record.message;
-        log += record.message + "\n";
-    }
-    return log;
+    return takeLog(capture, LogCategory::windowactivation, LogLevel::error);
 }
 
 // Process 400 is frontmost with window 401; process 500 waits behind with window 501.
