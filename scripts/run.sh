@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds the program and plays a scenario on the simulated desktop
-# (the shipped gesture scenario unless another file is given).
+# (the shipped first-start story unless another file is given).
 set -euo pipefail
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 cd "$root"
@@ -8,4 +8,4 @@ cd "$root"
 scripts/install-dependencies.sh
 cmake -S . -B build/release -G Ninja -DCMAKE_BUILD_TYPE=Release >/dev/null
 cmake --build build/release --target orvane-simulator
-build/release/apps/orvane-simulator "${@:-examples/gesture.scenario}"
+build/release/apps/orvane-simulator "${@:-examples/first-start.scenario}"

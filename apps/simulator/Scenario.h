@@ -9,9 +9,11 @@
 #include <vector>
 
 #include "core/LogRecord.h"
+#include "core/PermissionCapability.h"
 #include "platform/KeyboardEvent.h"
 #include "platform/simulated/SimulatedApplication.h"
 #include "platform/simulated/SimulatedWindow.h"
+#include "preferences/SettingsPane.h"
 #include "preferences/SwitcherPreferences.h"
 
 namespace orvane::simulator {
@@ -83,7 +85,7 @@ struct KeyEventStep {
 
 // Prints something of the program's state into the transcript.
 struct PrintStep {
-    enum class Subject { desktop, overlay };
+    enum class Subject { desktop, overlay, welcome, program, defaults };
     Subject subject = Subject::desktop;
 };
 
@@ -93,9 +95,61 @@ struct InstallApplicationStep {
     std::string bundleName;
 };
 
-// Grants or withholds the Screen Recording permission that thumbnails need.
-struct ScreenRecordingStep {
+// Grants or takes away one of the program's permissions.
+struct PermissionStep {
+    PermissionCapability capability = PermissionCapability::accessibility;
     bool granted = true;
+};
+
+// Constructs the program over the desktop as it stands, and lets it finish launching.
+struct StartProgramStep {};
+
+// Bytes under the preferences key of the user defaults, as an earlier run or another tool left
+// them.
+struct StoredPreferencesStep {
+    std::string bytes;
+};
+
+// Something the system does to every program.
+struct SystemEventStep {
+    enum class Kind {
+        sleep,
+        screensSleep,
+        lockScreen,
+        switchUser,
+        tapDisabledByTimeout,
+        tapDisabledByUserInput
+    };
+    Kind kind = Kind::sleep;
+    // For a disabled tap: how long the system takes to tell it; keys in between pass it by.
+    double noticeDelay = 0;
+};
+
+// What the user does with the program outside the two gestures.
+struct ProgramActionStep {
+    enum class Kind {
+        bringToFront,
+        reopen,
+        reopenWithVisibleWindows,
+        showWelcome,
+        diagnostics,
+        copyDiagnostics,
+        bugReport,
+        quitProgram
+    };
+    Kind kind = Kind::bringToFront;
+};
+
+struct OpenSettingsStep {
+    SettingsPane pane = SettingsPane::general;
+};
+
+// A press in the welcome window.
+struct WelcomeWindowStep {
+    enum class Kind { rowAction, continueButton, notNowButton, closeButton };
+    Kind kind = Kind::continueButton;
+    // The row pressed, for `rowAction`.
+    PermissionCapability capability = PermissionCapability::accessibility;
 };
 
 // Sets which log lines reach the transcript from here on.
@@ -113,13 +167,17 @@ struct ScenarioStep {
         std::variant<LaunchStep, QuitStep, AddWindowStep, DestroyWindowStep, MinimizeWindowStep,
                      FocusWindowStep, SetFrontmostStep, AdvanceClockStep, WindowListFaultStep,
                      SetPreferencesStep, KeyEventStep, PrintStep, LogLevelStep, NoteStep,
-                     InstallApplicationStep, ScreenRecordingStep>;
+                     InstallApplicationStep, PermissionStep, StartProgramStep,
+                     StoredPreferencesStep, SystemEventStep, ProgramActionStep, OpenSettingsStep,
+                     WelcomeWindowStep>;
     int lineNumber = 0;
     Action action;
 };
 
 struct Scenario {
     std::vector<ScenarioStep> steps;
+    // Without a `start` line the program starts before the first step.
+    bool startsExplicitly = false;
 };
 
 }  // namespace orvane::simulator

@@ -2,6 +2,7 @@
 
 #include <unicode/unistr.h>
 
+#include <algorithm>
 #include <charconv>
 #include <map>
 #include <set>
@@ -279,6 +280,14 @@ class LineParser {
     std::optional<ScenarioStep::Action> parse(std::string_view line) {
         auto firstWord = line.find_first_not_of(" \t");
         if (firstWord != std::string_view::npos &&
+            line.substr(firstWord).starts_with("stored-preferences")) {
+            auto rest = line.substr(firstWord + std::string_view("stored-preferences").size());
+            if (rest.empty() || rest.front() == ' ' || rest.front() == '\t') {
+                // The bytes stand as written, bad ones included; only the separating blank goes.
+                return StoredPreferencesStep{std::string(rest.empty() ? rest : rest.substr(1))};
+            }
+        }
+        if (firstWord != std::string_view::npos &&
             line.substr(firstWord).starts_with("preferences")) {
             auto rest = line.substr(firstWord + std::string_view("preferences").size());
             if (rest.empty() || rest.front() == ' ' || rest.front() == '\t') {
@@ -331,18 +340,58 @@ class LineParser {
             if (attributes.positional() == std::vector<std::string>{"overlay"}) {
                 return PrintStep{PrintStep::Subject::overlay};
             }
-            throw LineError("\"print\" takes what to print: desktop or overlay");
+            if (attributes.positional() == std::vector<std::string>{"welcome"}) {
+                return PrintStep{PrintStep::Subject::welcome};
+            }
+            if (attributes.positional() == std::vector<std::string>{"program"}) {
+                return PrintStep{PrintStep::Subject::program};
+            }
+            if (attributes.positional() == std::vector<std::string>{"defaults"}) {
+                return PrintStep{PrintStep::Subject::defaults};
+            }
+            throw LineError(
+                "\"print\" takes what to print: desktop, overlay, welcome, program or defaults");
         }
         if (word == "installed") {
             return parseInstalled(tokens);
         }
-        if (word == "screen-recording") {
-            Attributes attributes(tokens, {});
-            const auto& words = attributes.positional();
-            if (words.size() != 1 || (words.front() != "granted" && words.front() != "denied")) {
-                throw LineError("\"screen-recording\" takes granted or denied");
+        if (word == "screen-recording" || word == "accessibility") {
+            const auto granted = onlyWord(tokens, {"granted", "denied"});
+            return PermissionStep{word == "accessibility" ? PermissionCapability::accessibility
+                                                          : PermissionCapability::screenRecording,
+                                  granted == "granted"};
+        }
+        if (word == "start") {
+            onlyWord(tokens, {});
+            if (programState_ != ProgramState::notStarted) {
+                throw LineError(programState_ == ProgramState::startedImplicitly
+                                    ? "\"start\" comes before any line that needs the program"
+                                    : "the program is started once");
             }
-            return ScreenRecordingStep{words.front() == "granted"};
+            programState_ = ProgramState::started;
+            startsExplicitly_ = true;
+            return StartProgramStep{};
+        }
+        if (auto kind = systemEventKind(tokens)) {
+            return SystemEventStep{*kind};
+        }
+        if (word == "tap-disabled") {
+            return parseTapDisabled(tokens);
+        }
+        if (auto kind = programActionKind(tokens)) {
+            needProgram(word);
+            if (*kind == ProgramActionStep::Kind::quitProgram) {
+                programState_ = ProgramState::quit;
+            }
+            return ProgramActionStep{*kind};
+        }
+        if (word == "settings") {
+            const auto pane = onlyWord(tokens, {"general", "shortcuts", "about"});
+            needProgram(word);
+            return OpenSettingsStep{*settingsPaneFromRawValue(pane)};
+        }
+        if (word == "welcome") {
+            return parseWelcome(tokens);
         }
         if (word == "log-level") {
             return parseLogLevel(tokens);
@@ -386,6 +435,8 @@ class LineParser {
         up.description = "up " + up.description.substr(std::string_view("down ").size());
         return {down, up};
     }
+
+    bool startsExplicitly() const { return startsExplicitly_; }
 
   private:
     ScenarioStep::Action parseLaunch(const std::vector<Token>& tokens) {
@@ -697,6 +748,121 @@ class LineParser {
         return SetPreferencesStep{*decoded.preferences};
     }
 
+    enum class ProgramState { notStarted, startedImplicitly, started, quit };
+
+    // The one positional word of a directive without attributes, out of `allowed` (none: no word).
+    static std::string onlyWord(const std::vector<Token>& tokens,
+                                const std::vector<std::string>& allowed) {
+        Attributes attributes(tokens, {});
+        const auto& words = attributes.positional();
+        const auto& directive = tokens.front().value;
+        if (allowed.empty()) {
+            if (!words.empty()) {
+                throw LineError("\"" + directive + "\" takes nothing more");
+            }
+            return {};
+        }
+        if (words.size() == 1 &&
+            std::find(allowed.begin(), allowed.end(), words.front()) != allowed.end()) {
+            return words.front();
+        }
+        std::string expected;
+        for (std::size_t index = 0; index < allowed.size(); ++index) {
+            expected += index == 0 ? "" : (index + 1 == allowed.size() ? " or " : ", ");
+            expected += allowed[index];
+        }
+        throw LineError("\"" + directive + "\" takes " + expected);
+    }
+
+    void needProgram(const std::string& directive) {
+        if (programState_ == ProgramState::quit) {
+            throw LineError("\"" + directive + "\" after the program has quit");
+        }
+        if (programState_ == ProgramState::notStarted) {
+            programState_ = ProgramState::startedImplicitly;
+        }
+    }
+
+    static std::optional<SystemEventStep::Kind> systemEventKind(const std::vector<Token>& tokens) {
+        using Kind = SystemEventStep::Kind;
+        const auto& word = tokens.front().value;
+        static const std::map<std::string, Kind> plain{{"sleep", Kind::sleep},
+                                                       {"screens-sleep", Kind::screensSleep},
+                                                       {"lock-screen", Kind::lockScreen},
+                                                       {"switch-user", Kind::switchUser}};
+        if (auto found = plain.find(word); found != plain.end()) {
+            onlyWord(tokens, {});
+            return found->second;
+        }
+        return std::nullopt;
+    }
+
+    static std::optional<ProgramActionStep::Kind> programActionKind(
+        const std::vector<Token>& tokens) {
+        using Kind = ProgramActionStep::Kind;
+        const auto& word = tokens.front().value;
+        static const std::map<std::string, Kind> plain{
+            {"bring-to-front", Kind::bringToFront}, {"show-welcome", Kind::showWelcome},
+            {"diagnostics", Kind::diagnostics},     {"copy-diagnostics", Kind::copyDiagnostics},
+            {"bug-report", Kind::bugReport},        {"quit-program", Kind::quitProgram}};
+        if (auto found = plain.find(word); found != plain.end()) {
+            onlyWord(tokens, {});
+            return found->second;
+        }
+        if (word == "reopen") {
+            if (tokens.size() == 1) {
+                return Kind::reopen;
+            }
+            onlyWord(tokens, {"windows-visible"});
+            return Kind::reopenWithVisibleWindows;
+        }
+        return std::nullopt;
+    }
+
+    ScenarioStep::Action parseTapDisabled(const std::vector<Token>& tokens) {
+        Attributes attributes(tokens, {"delay"});
+        const auto& words = attributes.positional();
+        if (words.size() != 1 || (words.front() != "timeout" && words.front() != "user-input")) {
+            throw LineError("\"tap-disabled\" takes timeout or user-input, and optionally delay=");
+        }
+        SystemEventStep step{words.front() == "timeout"
+                                 ? SystemEventStep::Kind::tapDisabledByTimeout
+                                 : SystemEventStep::Kind::tapDisabledByUserInput};
+        if (const auto* delay = attributes.find("delay")) {
+            step.noticeDelay = parseNumber(*delay, "delay");
+            if (step.noticeDelay < 0) {
+                throw LineError("a delay is not negative");
+            }
+        }
+        return step;
+    }
+
+    ScenarioStep::Action parseWelcome(const std::vector<Token>& tokens) {
+        using Kind = WelcomeWindowStep::Kind;
+        Attributes attributes(tokens, {});
+        const auto& words = attributes.positional();
+        needProgram("welcome");
+        if (words.size() == 1 && words.front() == "continue") {
+            return WelcomeWindowStep{Kind::continueButton};
+        }
+        if (words.size() == 1 && words.front() == "not-now") {
+            return WelcomeWindowStep{Kind::notNowButton};
+        }
+        if (words.size() == 1 && words.front() == "close") {
+            return WelcomeWindowStep{Kind::closeButton};
+        }
+        if (words.size() == 2 && words.front() == "press" &&
+            (words.back() == "accessibility" || words.back() == "screen-recording")) {
+            return WelcomeWindowStep{Kind::rowAction, words.back() == "accessibility"
+                                                          ? PermissionCapability::accessibility
+                                                          : PermissionCapability::screenRecording};
+        }
+        throw LineError(
+            "\"welcome\" takes continue, not-now, close, or press accessibility|screen-recording");
+    }
+
+    ProgramState programState_ = ProgramState::notStarted;
+    bool startsExplicitly_ = false;
     KeyboardEventFlags heldFlags_ = 0;
     // What the desktop holds at this line, so that a scenario naming what isn't there is caught
     // before anything plays.
@@ -737,6 +903,7 @@ ScenarioParser::Result ScenarioParser::parse(std::string_view text) {
             return result;
         }
     }
+    scenario.startsExplicitly = parser.startsExplicitly();
     result.scenario = std::move(scenario);
     return result;
 }

@@ -6,23 +6,14 @@
 #include <vector>
 
 #include "TranscriptLogSink.h"
-#include "TranscriptOverlayPresenter.h"
-#include "TranscriptRecencyOrdering.h"
-#include "TranscriptWindowActivation.h"
-#include "TranscriptWindowEnumeration.h"
 #include "WindowDescription.h"
-#include "activation/AccessibilityWindowActivationService.h"
-#include "activation/SkyLightPrivateWindowFocusService.h"
-#include "enumeration/AccessibilityWindowEnumerationService.h"
-#include "launcher/InstalledApplicationLauncherMode.h"
-#include "launcher/LauncherSessionCoordinator.h"
-#include "launcher/WindowLauncherMode.h"
 #include "overlay/FixedAdvanceOverlayTextMeasurer.h"
 #include "overlay/OverlayTextRenderer.h"
 #include "overlay/OverlayViewBuilder.h"
+#include "permissions/PermissionOnboardingTextRenderer.h"
 #include "platform/simulated/SimulatedKeyboardEvent.h"
+#include "preferences/PreferencesStore.h"
 #include "preferences/SwitcherPreferencesCodec.h"
-#include "thumbnails/ScreenCaptureKitWindowThumbnailCaptureService.h"
 
 namespace orvane::simulator {
 
@@ -34,93 +25,172 @@ std::string formatSeconds(double seconds) {
     return text.str();
 }
 
+std::string describeOverlay(const SimulatedOverlayPanel& panel,
+                            const SwitcherOverlayViewModel& viewModel) {
+    if (!panel.isOrderedFront()) {
+        return "hidden";
+    }
+    if (const auto& launcher = viewModel.launcherPresentation.value()) {
+        std::string text = "launcher " + launcher->modeDisplayName + ", query \"" +
+                           launcher->searchQuery + "\", " + std::to_string(launcher->items.size()) +
+                           (launcher->items.size() == 1 ? " item" : " items");
+        const auto index = launcher->selectedIndex;
+        if (index >= 0 && index < static_cast<std::ptrdiff_t>(launcher->items.size())) {
+            const auto& item = launcher->items[static_cast<std::size_t>(index)];
+            text += ", selected " + std::to_string(index) + ": \"" + item.title + "\"";
+        }
+        return text;
+    }
+    return "switcher " + describeWindowList(viewModel.windows.value()) + ", selected " +
+           std::to_string(viewModel.selectedIndex.value());
+}
+
+std::string_view policyName(ApplicationActivationPolicy policy) {
+    switch (policy) {
+        case ApplicationActivationPolicy::regular:
+            return "regular";
+        case ApplicationActivationPolicy::accessory:
+            return "accessory";
+        case ApplicationActivationPolicy::prohibited:
+            return "prohibited";
+    }
+    return "unknown";
+}
+
+// Writes each line of a multi-line text as one effect.
+void effectLines(Transcript& transcript, std::string_view subject, const std::string& text) {
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        transcript.effect(subject, line);
+    }
+}
+
 }  // namespace
 
 SimulatedProgram::SimulatedProgram(Transcript& transcript, TranscriptLogSink& logSink)
-    : transcript_(transcript),
-      logSink_(logSink),
-      desktop_(SimulatedDesktop::make(programProcessIdentifier)),
-      preferences_(std::make_shared<StandInPreferencesProvider>()) {
-    auto runLoop = desktop_->runLoopPort();
-    auto clock = [runLoop] { return runLoop->now(); };
-    auto workspace = desktop_->workspacePort();
-    auto accessibility = desktop_->accessibilityPort();
-
-    skyLight_ = std::make_shared<SimulatedSkyLight>(desktop_);
-    screenCapture_ = std::make_shared<SimulatedScreenCapture>(desktop_);
-    fileSystem_ = std::make_shared<SimulatedFileSystem>();
-    fileSystem_->createApplicationFolders();
-    applicationLauncher_ = std::make_shared<SimulatedApplicationLauncher>(runLoop);
-    sound_ = std::make_shared<SimulatedSound>();
-
-    focusEventSource_ = std::make_shared<AccessibilityWindowFocusEventSource>(
-        workspace, desktop_->workspaceNotificationCenter(), accessibility, runLoop);
-    tracker_ = std::make_shared<MostRecentlyUsedWindowTracker>(focusEventSource_, clock);
-    focusEventSource_->setObserver(tracker_);
-    auto ordering = std::make_shared<TranscriptRecencyOrdering>(tracker_, transcript);
-    auto enumeration = std::make_shared<TranscriptWindowEnumeration>(
-        std::make_shared<AccessibilityWindowEnumerationService>(
-            programProcessIdentifier, desktop_->windowListPort(), accessibility, workspace),
-        transcript);
-    auto activation = std::make_shared<TranscriptWindowActivation>(
-        std::make_shared<AccessibilityWindowActivationService>(
-            tracker_, std::make_shared<SkyLightPrivateWindowFocusService>(skyLight_), accessibility,
-            workspace),
-        transcript);
-
-    overlayPanel_ = std::make_shared<SimulatedOverlayPanel>();
-    overlayCoordinator_ = std::make_shared<SwitcherOverlayCoordinator>(
-        std::make_shared<ScreenCaptureKitWindowThumbnailCaptureService>(clock, screenCapture_,
-                                                                        runLoop),
-        preferences_, desktop_->screensPort(), overlayPanel_, runLoop);
-    auto overlay = std::make_shared<TranscriptOverlayPresenter>(overlayCoordinator_, transcript);
-
-    sessionCoordinator_ = std::make_shared<SwitcherSessionCoordinator>(
-        enumeration, ordering, overlay, activation,
-        [workspace]() -> std::optional<ProcessIdentifier> {
-            auto frontmost = workspace->frontmostApplication();
-            if (!frontmost) {
-                return std::nullopt;
-            }
-            return frontmost->processIdentifier;
+    : transcript_(transcript), logSink_(logSink), desktop_(machine_.desktop) {
+    settingsRouteObservation_ = machine_.applicationNotifications->addObserver(
+        openSettingsPaneNotificationName, [this](const PlatformNotification& notification) {
+            auto pane = notification.userInfo.find(settingsPaneUserInfoKey);
+            transcript_.effect(
+                "application",
+                "settings asked for pane " +
+                    (pane == notification.userInfo.end() ? std::string("none") : pane->second));
         });
-    launcherSession_ = std::make_shared<TranscriptLauncherSession>(
-        std::make_shared<LauncherSessionCoordinator>(
-            std::make_shared<WindowLauncherMode>(enumeration, ordering, activation, workspace,
-                                                 sound_),
-            std::make_shared<InstalledApplicationLauncherMode>(fileSystem_, applicationLauncher_,
-                                                               sound_, runLoop, clock),
-            overlay),
-        transcript);
-    interceptor_ = std::make_shared<GlobalShortcutInterceptor>(
-        sessionCoordinator_, launcherSession_, preferences_,
-        GlobalShortcutInterceptor::Platform{desktop_->eventTapPort(),
-                                            desktop_->workspaceNotificationCenter(),
-                                            desktop_->distributedNotificationCenter(), runLoop});
-    // The launch: tracking first, then the tap.
-    tracker_->startTracking();
-    interceptor_->installEventTap();
 }
 
 SimulatedProgram::~SimulatedProgram() {
-    tracker_->stopTracking();
+    machine_.applicationNotifications->removeObserver(*settingsRouteObservation_);
+    if (app_ && !app_->hasTerminated()) {
+        // The transcript has ended; the process goes without its teardown being told.
+        logSink_.mute();
+        app_->terminate();
+    }
+}
+
+void SimulatedProgram::start() {
+    if (app_) {
+        return;
+    }
+    transcript_.plain("program launched");
+    auto before = observe();
+    before.activationPolicy = machine_.application->activationPolicy();
+    app_ = std::make_unique<OrvaneApp>(machine_.platform());
+    app_->finishLaunching();
+    settle();
+    reportChanges(before, observe());
+}
+
+OrvaneApplicationDelegate* SimulatedProgram::delegate() const {
+    return app_ ? app_->delegate().get() : nullptr;
 }
 
 void SimulatedProgram::perform(const ScenarioStep& step) {
+    const auto before = observe();
     std::visit([&](const auto& action) { perform(step.lineNumber, action); }, step.action);
     settle();
+    const auto after = observe();
+    if (after.frontmost != before.frontmost) {
+        // Another application came forward: the program is no longer the active one.
+        machine_.application->resignActive();
+    }
+    reportChanges(before, after);
 }
 
 void SimulatedProgram::settle() {
     desktop_->runLoop().runUntilIdle();
 }
 
+SimulatedProgram::Observation SimulatedProgram::observe() const {
+    Observation observation;
+    observation.frontmost = desktop_->frontmostProcessIdentifier();
+    observation.focusedWindow = desktop_->focusedWindow();
+    if (auto* program = delegate()) {
+        observation.overlay =
+            describeOverlay(*machine_.overlayPanel, *program->overlayCoordinator()->viewModel());
+        observation.activationPolicy = machine_.application->activationPolicy();
+    }
+    observation.openedURLs = machine_.permissions->openedURLs().size();
+    observation.launchedApplications = machine_.applicationLauncher->launchCount();
+    observation.beeps = machine_.sound->beepCount();
+    observation.pasteboard = machine_.pasteboard->stringForType(pasteboardTypeString);
+    return observation;
+}
+
+void SimulatedProgram::reportChanges(const Observation& before, const Observation& after) {
+    // A program that has just started has no change to tell of its overlay or policy.
+    if (before.overlay != after.overlay && !before.overlay.empty()) {
+        transcript_.effect("overlay", after.overlay);
+    }
+    for (auto index = before.openedURLs; index < after.openedURLs; ++index) {
+        transcript_.effect("system", "opened " + machine_.permissions->openedURLs()[index]);
+    }
+    for (auto index = before.launchedApplications; index < after.launchedApplications; ++index) {
+        transcript_.effect(
+            "system", "opened application " + machine_.applicationLauncher->launchedPaths()[index]);
+    }
+    for (auto index = before.beeps; index < after.beeps; ++index) {
+        transcript_.effect("sound", "beep");
+    }
+    if (before.pasteboard != after.pasteboard) {
+        transcript_.effect("pasteboard",
+                           after.pasteboard
+                               ? std::to_string(after.pasteboard->size()) + " bytes of text"
+                               : std::string("empty"));
+    }
+    if (before.activationPolicy && before.activationPolicy != after.activationPolicy) {
+        transcript_.effect("application",
+                           "activation policy " + std::string(policyName(*after.activationPolicy)));
+    }
+    if (before.frontmost != after.frontmost || before.focusedWindow != after.focusedWindow) {
+        transcript_.effect(
+            "desktop",
+            "frontmost " +
+                (after.frontmost ? "pid " + std::to_string(*after.frontmost)
+                                 : std::string("none")) +
+                ", focused window " +
+                (after.focusedWindow ? std::to_string(*after.focusedWindow) : std::string("none")));
+    }
+}
+
 void SimulatedProgram::summarize() {
+    auto* program = delegate();
+    if (program == nullptr) {
+        transcript_.plain("end: the program never started");
+        return;
+    }
+    if (app_->hasTerminated()) {
+        transcript_.plain("end: the program has quit");
+        return;
+    }
     transcript_.plain(
         std::string("end: machine ") +
-        switcherInteractionStateName(interceptor_->interactionStateMachine().state) + ", session " +
-        (sessionCoordinator_->isSessionActive() ? "active" : "inactive") + ", launcher " +
-        (launcherSession_->isLauncherSessionActive() ? "open" : "closed"));
+        switcherInteractionStateName(
+            program->globalShortcutInterceptor()->interactionStateMachine().state) +
+        ", session " +
+        (program->switcherSessionCoordinator()->isSessionActive() ? "active" : "inactive") +
+        ", launcher " +
+        (program->launcherSessionCoordinator()->isLauncherSessionActive() ? "open" : "closed"));
 }
 
 void SimulatedProgram::perform(int lineNumber, const LaunchStep& step) {
@@ -202,7 +272,17 @@ void SimulatedProgram::perform(int lineNumber, const WindowListFaultStep& step) 
 void SimulatedProgram::perform(int lineNumber, const SetPreferencesStep& step) {
     auto encoded = SwitcherPreferencesCodec::encode(step.preferences);
     transcript_.headline(lineNumber, "preferences " + encoded.bytes.value_or(encoded.error));
-    preferences_->setPreferences(step.preferences);
+    if (auto* program = delegate()) {
+        program->preferencesStore()->setPreferences(step.preferences);
+    } else if (encoded.bytes) {
+        // Before the program runs, settings can only be what an earlier run stored.
+        machine_.userDefaults->setData(preferencesDefaultsKey, *encoded.bytes);
+    }
+}
+
+void SimulatedProgram::perform(int lineNumber, const StoredPreferencesStep& step) {
+    transcript_.headline(lineNumber, "stored-preferences " + step.bytes);
+    machine_.userDefaults->setData(preferencesDefaultsKey, step.bytes);
 }
 
 void SimulatedProgram::perform(int lineNumber, const NoteStep& step) {
@@ -215,34 +295,194 @@ void SimulatedProgram::perform(int lineNumber, const LogLevelStep& step) {
 }
 
 void SimulatedProgram::perform(int lineNumber, const PrintStep& step) {
-    if (step.subject == PrintStep::Subject::overlay) {
-        transcript_.headline(lineNumber, "print overlay");
-        printOverlay();
-        return;
+    switch (step.subject) {
+        case PrintStep::Subject::overlay:
+            transcript_.headline(lineNumber, "print overlay");
+            printOverlay();
+            return;
+        case PrintStep::Subject::welcome:
+            transcript_.headline(lineNumber, "print welcome");
+            printWelcome();
+            return;
+        case PrintStep::Subject::program:
+            transcript_.headline(lineNumber, "print program");
+            printProgram();
+            return;
+        case PrintStep::Subject::defaults: {
+            transcript_.headline(lineNumber, "print defaults");
+            auto stored = machine_.userDefaults->dataForKey(preferencesDefaultsKey);
+            transcript_.effect("defaults", std::string(preferencesDefaultsKey) + " " +
+                                               (stored ? *stored : std::string("absent")));
+            return;
+        }
+        case PrintStep::Subject::desktop:
+            transcript_.headline(lineNumber, "print desktop");
+            printDesktop();
+            return;
     }
-    transcript_.headline(lineNumber, "print desktop");
-    printDesktop();
 }
 
 void SimulatedProgram::perform(int lineNumber, const InstallApplicationStep& step) {
     transcript_.headline(lineNumber, "installed " + step.directory + "/" + step.bundleName);
-    fileSystem_->addApplication(step.directory, step.bundleName);
+    machine_.fileSystem->addApplication(step.directory, step.bundleName);
 }
 
-void SimulatedProgram::perform(int lineNumber, const ScreenRecordingStep& step) {
+void SimulatedProgram::perform(int lineNumber, const PermissionStep& step) {
+    const bool accessibility = step.capability == PermissionCapability::accessibility;
     transcript_.headline(lineNumber,
-                         std::string("screen-recording ") + (step.granted ? "granted" : "denied"));
-    screenCapture_->screenCaptureAccessGranted = step.granted;
+                         std::string(accessibility ? "accessibility " : "screen-recording ") +
+                             (step.granted ? "granted" : "denied"));
+    machine_.setPermission(step.capability, step.granted);
+}
+
+void SimulatedProgram::perform(int lineNumber, const StartProgramStep&) {
+    transcript_.headline(lineNumber, "start");
+    start();
+}
+
+void SimulatedProgram::perform(int lineNumber, const SystemEventStep& step) {
+    using Kind = SystemEventStep::Kind;
+    auto post = [](const std::shared_ptr<SimulatedNotificationCenter>& center, const char* name) {
+        center->postNotification(PlatformNotification{name});
+    };
+    switch (step.kind) {
+        case Kind::sleep:
+            transcript_.headline(lineNumber, "sleep");
+            post(desktop_->workspaceNotificationCenter(), workspace_notification::willSleep);
+            return;
+        case Kind::screensSleep:
+            transcript_.headline(lineNumber, "screens-sleep");
+            post(desktop_->workspaceNotificationCenter(), workspace_notification::screensDidSleep);
+            return;
+        case Kind::lockScreen:
+            transcript_.headline(lineNumber, "lock-screen");
+            post(desktop_->distributedNotificationCenter(), "com.apple.screenIsLocked");
+            return;
+        case Kind::switchUser:
+            transcript_.headline(lineNumber, "switch-user");
+            post(desktop_->workspaceNotificationCenter(),
+                 workspace_notification::sessionDidResignActive);
+            return;
+        case Kind::tapDisabledByTimeout:
+        case Kind::tapDisabledByUserInput: {
+            const bool timeout = step.kind == Kind::tapDisabledByTimeout;
+            transcript_.headline(
+                lineNumber,
+                std::string("tap-disabled ") + (timeout ? "timeout" : "user-input") +
+                    (step.noticeDelay > 0 ? ", told after " + formatSeconds(step.noticeDelay) + " s"
+                                          : ""));
+            desktop_->eventTapPort()->disableTaps(timeout
+                                                      ? keyboard_event_type::tapDisabledByTimeout
+                                                      : keyboard_event_type::tapDisabledByUserInput,
+                                                  step.noticeDelay);
+            return;
+        }
+    }
+}
+
+void SimulatedProgram::perform(int lineNumber, const ProgramActionStep& step) {
+    using Kind = ProgramActionStep::Kind;
+    auto* program = delegate();
+    switch (step.kind) {
+        case Kind::bringToFront:
+            transcript_.headline(lineNumber, "bring-to-front");
+            machine_.application->activate();
+            return;
+        case Kind::reopen:
+        case Kind::reopenWithVisibleWindows: {
+            const bool visible = step.kind == Kind::reopenWithVisibleWindows;
+            transcript_.headline(lineNumber, visible ? "reopen windows-visible" : "reopen");
+            const bool handled = program->applicationShouldHandleReopen(visible);
+            transcript_.effect("application",
+                               std::string("reopen answered ") + (handled ? "true" : "false"));
+            return;
+        }
+        case Kind::showWelcome:
+            transcript_.headline(lineNumber, "show-welcome");
+            program->showWelcomeWindow();
+            return;
+        case Kind::diagnostics:
+            transcript_.headline(lineNumber, "diagnostics");
+            effectLines(transcript_, "diagnostics",
+                        program->bugReportComposer()->diagnosticsText());
+            return;
+        case Kind::copyDiagnostics:
+            transcript_.headline(lineNumber, "copy-diagnostics");
+            program->bugReportComposer()->copyDiagnosticsToClipboard();
+            return;
+        case Kind::bugReport: {
+            transcript_.headline(lineNumber, "bug-report");
+            auto url = program->bugReportComposer()->composeBugReportURL();
+            transcript_.effect("bug report", url.value_or("no URL"));
+            return;
+        }
+        case Kind::quitProgram:
+            transcript_.headline(lineNumber, "quit-program");
+            app_->terminate();
+            return;
+    }
+}
+
+void SimulatedProgram::perform(int lineNumber, const OpenSettingsStep& step) {
+    transcript_.headline(lineNumber, "settings " + std::string(rawValue(step.pane)));
+    auto application = machine_.application;
+    openSettingsPane(
+        step.pane, *machine_.applicationNotifications, [application] { application->activate(); },
+        [application] { return application->showSettingsWindow(); });
+}
+
+void SimulatedProgram::perform(int lineNumber, const WelcomeWindowStep& step) {
+    using Kind = WelcomeWindowStep::Kind;
+    const auto& controller = delegate()->permissionOnboardingWindowController();
+    auto view = controller->view();
+    auto window = controller->window();
+    switch (step.kind) {
+        case Kind::rowAction:
+            transcript_.headline(
+                lineNumber, "welcome press " +
+                                std::string(step.capability == PermissionCapability::accessibility
+                                                ? "accessibility"
+                                                : "screen-recording"));
+            break;
+        case Kind::continueButton:
+            transcript_.headline(lineNumber, "welcome continue");
+            break;
+        case Kind::notNowButton:
+            transcript_.headline(lineNumber, "welcome not-now");
+            break;
+        case Kind::closeButton:
+            transcript_.headline(lineNumber, "welcome close");
+            break;
+    }
+    if (!view || !window) {
+        transcript_.effect("welcome", "no welcome window is open");
+        return;
+    }
+    switch (step.kind) {
+        case Kind::rowAction:
+            view->pressRowAction(step.capability);
+            return;
+        case Kind::continueButton:
+            view->pressContinue();
+            return;
+        case Kind::notNowButton:
+            view->pressNotNow();
+            return;
+        case Kind::closeButton:
+            machine_.application->close(*window);
+            return;
+    }
 }
 
 void SimulatedProgram::printOverlay() {
-    const auto& frame = overlayPanel_->frame();
+    auto* program = delegate();
+    const auto& frame = machine_.overlayPanel->frame();
     std::ostringstream placement;
-    placement << (overlayPanel_->isOrderedFront() ? "on screen" : "hidden") << ", frame "
+    placement << (machine_.overlayPanel->isOrderedFront() ? "on screen" : "hidden") << ", frame "
               << frame.origin.x << "," << frame.origin.y << " " << frame.size.width << "x"
               << frame.size.height;
     transcript_.effect("overlay", placement.str());
-    if (!overlayPanel_->isOrderedFront()) {
+    if (!machine_.overlayPanel->isOrderedFront() || program == nullptr) {
         return;
     }
     auto workspace = desktop_->workspacePort();
@@ -252,11 +492,49 @@ void SimulatedProgram::printOverlay() {
             return application ? application->icon : std::nullopt;
         },
         std::make_shared<FixedAdvanceOverlayTextMeasurer>());
-    std::istringstream rendering(
-        OverlayTextRenderer::render(builder.build(*overlayCoordinator_->viewModel(), frame.size)));
-    for (std::string line; std::getline(rendering, line);) {
-        transcript_.effect("view", line);
+    effectLines(transcript_, "view",
+                OverlayTextRenderer::render(
+                    builder.build(*program->overlayCoordinator()->viewModel(), frame.size)));
+}
+
+void SimulatedProgram::printWelcome() {
+    auto* program = delegate();
+    auto view = program ? program->permissionOnboardingWindowController()->view() : nullptr;
+    if (!view) {
+        transcript_.effect("welcome", "no welcome window is open");
+        return;
     }
+    effectLines(transcript_, "welcome", PermissionOnboardingTextRenderer::render(view->content()));
+}
+
+void SimulatedProgram::printProgram() {
+    auto* program = delegate();
+    if (program == nullptr) {
+        transcript_.effect("program", "not started");
+        return;
+    }
+    const auto& interceptor = *program->globalShortcutInterceptor();
+    const auto& coordinator = *program->permissionStatusCoordinator();
+    std::string permissions;
+    for (auto capability : allPermissionCapabilities) {
+        const auto& table = coordinator.statusByCapability().value();
+        auto entry = table.find(capability);
+        permissions +=
+            (permissions.empty() ? "" : ", ") +
+            std::string(PermissionStatusCoordinator::logName(capability)) + " " +
+            std::string(PermissionStatusCoordinator::logName(
+                entry == table.end() ? PermissionGrantStatus::notGranted : entry->second));
+    }
+    transcript_.effect(
+        "program",
+        std::string(app_->hasTerminated() ? "terminated" : "running") + "; event tap " +
+            (interceptor.hasEventTap() ? (interceptor.isEventTapEnabled() ? "enabled" : "disabled")
+                                       : std::string("none")) +
+            "; retrying " + (program->isRetryingInterception() ? "yes" : "no") +
+            "; welcome window " +
+            (program->permissionOnboardingWindowController()->window() ? "open" : "closed") +
+            "; polling " + (coordinator.isPolling() ? "yes" : "no") + "; permissions " +
+            permissions);
 }
 
 void SimulatedProgram::printDesktop() {
@@ -285,35 +563,42 @@ void SimulatedProgram::printDesktop() {
 
 void SimulatedProgram::perform(int lineNumber, const KeyEventStep& step) {
     transcript_.headline(lineNumber, step.description);
-    const bool wasActive = sessionCoordinator_->isSessionActive();
-    const auto previousIndex = sessionCoordinator_->selectedIndex();
+    auto* program = delegate();
+    const bool wasActive = program && program->switcherSessionCoordinator()->isSessionActive();
+    const auto previousIndex = program ? program->switcherSessionCoordinator()->selectedIndex() : 0;
 
     SimulatedKeyboardEvent event(step.keyCode, step.flags, step.isAutorepeat, step.typedText);
     const auto delivery = desktop_->postKeyboardEvent(step.type, event);
 
+    std::string receiver = "swallowed";
+    if (!delivery.swallowed) {
+        receiver = delivery.receiver ? "passed to pid " + std::to_string(*delivery.receiver)
+                                     : std::string("passed");
+    }
+    if (program == nullptr) {
+        transcript_.effect("result", receiver);
+        return;
+    }
     reportSessionChange(wasActive, previousIndex);
-    std::vector<EventKeyCode> consumed(interceptor_->keyCodesWithConsumedKeyDown().begin(),
-                                       interceptor_->keyCodesWithConsumedKeyDown().end());
+    const auto& interceptor = *program->globalShortcutInterceptor();
+    std::vector<EventKeyCode> consumed(interceptor.keyCodesWithConsumedKeyDown().begin(),
+                                       interceptor.keyCodesWithConsumedKeyDown().end());
     std::sort(consumed.begin(), consumed.end());
     std::string consumedText;
     for (auto keyCode : consumed) {
         consumedText += consumedText.empty() ? "" : ", ";
         consumedText += std::to_string(keyCode);
     }
-    std::string receiver = "swallowed";
-    if (!delivery.swallowed) {
-        receiver = delivery.receiver ? "passed to pid " + std::to_string(*delivery.receiver)
-                                     : std::string("passed");
-    }
     transcript_.effect(
         "result", receiver + "; machine " +
-                      switcherInteractionStateName(interceptor_->interactionStateMachine().state) +
+                      switcherInteractionStateName(interceptor.interactionStateMachine().state) +
                       "; consumed [" + consumedText + "]");
 }
 
 void SimulatedProgram::reportSessionChange(bool wasActive, std::ptrdiff_t previousIndex) {
-    const bool isActive = sessionCoordinator_->isSessionActive();
-    const auto index = sessionCoordinator_->selectedIndex();
+    const auto& session = *delegate()->switcherSessionCoordinator();
+    const bool isActive = session.isSessionActive();
+    const auto index = session.selectedIndex();
     if (wasActive && !isActive) {
         transcript_.effect("session", "ended");
         return;
@@ -321,7 +606,7 @@ void SimulatedProgram::reportSessionChange(bool wasActive, std::ptrdiff_t previo
     if (!isActive || (wasActive && index == previousIndex)) {
         return;
     }
-    const auto& windows = sessionCoordinator_->sessionWindows();
+    const auto& windows = session.sessionWindows();
     std::string text =
         wasActive ? "selected "
                   : "started with " + std::to_string(windows.size()) + " windows, selected ";

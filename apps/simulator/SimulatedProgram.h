@@ -1,26 +1,18 @@
-// The program as far as it is built, over the simulated desktop: the services joined the way the
-// application joins them, with stand-ins where a service is still to come. Plays scenario steps and
-// writes what each did to the transcript.
+// The whole program over the simulated desktop: the simulated platform handed to the program's own
+// composition root, exactly as the desktop program is built. Plays scenario steps and writes what
+// each caused to the transcript, as a user would see it.
 #pragma once
 
 #include <memory>
+#include <optional>
+#include <string>
+#include <vector>
 
 #include "Scenario.h"
-#include "StandInPreferencesProvider.h"
+#include "SimulatedMachine.h"
 #include "Transcript.h"
-#include "TranscriptLauncherSession.h"
-#include "core/SwitcherSessionCoordinator.h"
-#include "interception/GlobalShortcutInterceptor.h"
-#include "overlay/SwitcherOverlayCoordinator.h"
-#include "platform/simulated/SimulatedApplicationLauncher.h"
-#include "platform/simulated/SimulatedDesktop.h"
-#include "platform/simulated/SimulatedFileSystem.h"
-#include "platform/simulated/SimulatedOverlayPanel.h"
-#include "platform/simulated/SimulatedScreenCapture.h"
-#include "platform/simulated/SimulatedSkyLight.h"
-#include "platform/simulated/SimulatedSound.h"
-#include "recency/AccessibilityWindowFocusEventSource.h"
-#include "recency/MostRecentlyUsedWindowTracker.h"
+#include "app/OrvaneApp.h"
+#include "core/LauncherOverlayPresentation.h"
 
 namespace orvane::simulator {
 
@@ -28,19 +20,30 @@ class TranscriptLogSink;
 
 class SimulatedProgram {
   public:
-    // The program's own process on the simulated desktop.
-    static constexpr ProcessIdentifier programProcessIdentifier = 100;
-
     SimulatedProgram(Transcript& transcript, TranscriptLogSink& logSink);
     ~SimulatedProgram();
     SimulatedProgram(const SimulatedProgram&) = delete;
     SimulatedProgram& operator=(const SimulatedProgram&) = delete;
 
+    // Builds the program over the desktop as it stands and lets it finish launching.
+    void start();
     void perform(const ScenarioStep& step);
     // The closing line: where the gesture stood at the end.
     void summarize();
 
   private:
+    // What a user can see of the program and the desktop, compared before and after each step.
+    struct Observation {
+        std::optional<ProcessIdentifier> frontmost;
+        std::optional<WindowIdentifier> focusedWindow;
+        std::string overlay;
+        std::optional<ApplicationActivationPolicy> activationPolicy;
+        std::size_t openedURLs = 0;
+        std::size_t launchedApplications = 0;
+        std::size_t beeps = 0;
+        std::optional<std::string> pasteboard;
+    };
+
     void perform(int lineNumber, const LaunchStep& step);
     void perform(int lineNumber, const QuitStep& step);
     void perform(int lineNumber, const AddWindowStep& step);
@@ -56,30 +59,32 @@ class SimulatedProgram {
     void perform(int lineNumber, const LogLevelStep& step);
     void perform(int lineNumber, const NoteStep& step);
     void perform(int lineNumber, const InstallApplicationStep& step);
-    void perform(int lineNumber, const ScreenRecordingStep& step);
+    void perform(int lineNumber, const PermissionStep& step);
+    void perform(int lineNumber, const StartProgramStep& step);
+    void perform(int lineNumber, const StoredPreferencesStep& step);
+    void perform(int lineNumber, const SystemEventStep& step);
+    void perform(int lineNumber, const ProgramActionStep& step);
+    void perform(int lineNumber, const OpenSettingsStep& step);
+    void perform(int lineNumber, const WelcomeWindowStep& step);
 
+    OrvaneApplicationDelegate* delegate() const;
+    Observation observe() const;
+    void reportChanges(const Observation& before, const Observation& after);
     void reportSessionChange(bool wasActive, std::ptrdiff_t previousIndex);
     void printDesktop();
     void printOverlay();
+    void printWelcome();
+    void printProgram();
     // Lets the desktop deliver what the step caused.
     void settle();
 
     Transcript& transcript_;
     TranscriptLogSink& logSink_;
+    SimulatedMachine machine_;
     std::shared_ptr<SimulatedDesktop> desktop_;
-    std::shared_ptr<StandInPreferencesProvider> preferences_;
-    std::shared_ptr<AccessibilityWindowFocusEventSource> focusEventSource_;
-    std::shared_ptr<MostRecentlyUsedWindowTracker> tracker_;
-    std::shared_ptr<SwitcherSessionCoordinator> sessionCoordinator_;
-    std::shared_ptr<SimulatedSkyLight> skyLight_;
-    std::shared_ptr<SimulatedScreenCapture> screenCapture_;
-    std::shared_ptr<SimulatedFileSystem> fileSystem_;
-    std::shared_ptr<SimulatedApplicationLauncher> applicationLauncher_;
-    std::shared_ptr<SimulatedSound> sound_;
-    std::shared_ptr<TranscriptLauncherSession> launcherSession_;
-    std::shared_ptr<SimulatedOverlayPanel> overlayPanel_;
-    std::shared_ptr<SwitcherOverlayCoordinator> overlayCoordinator_;
-    std::shared_ptr<GlobalShortcutInterceptor> interceptor_;
+    std::optional<NotificationObservationToken> settingsRouteObservation_;
+    // Last, so that the program goes before the desktop it runs on.
+    std::unique_ptr<OrvaneApp> app_;
 };
 
 }  // namespace orvane::simulator

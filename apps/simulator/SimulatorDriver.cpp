@@ -18,9 +18,11 @@ void SimulatorDriver::play(const Scenario& scenario, std::string_view scenarioNa
     auto logSink = std::make_shared<TranscriptLogSink>(transcript, options_.minimumLogLevel);
     auto previousSinks = Log::shared().replaceSinks({logSink});
     transcript.plain("orvane simulator transcript: " + std::string(scenarioName));
-    transcript.plain("program launched");
     {
         SimulatedProgram program(transcript, *logSink);
+        if (!scenario.startsExplicitly) {
+            program.start();
+        }
         for (const auto& step : scenario.steps) {
             program.perform(step);
         }

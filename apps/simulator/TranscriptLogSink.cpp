@@ -5,7 +5,7 @@
 namespace orvane::simulator {
 
 void TranscriptLogSink::write(const LogRecord& record) {
-    if (record.level < minimumLevel_) {
+    if (muted_ || record.level < minimumLevel_) {
         return;
     }
     std::string subject = "log ";

@@ -13,10 +13,13 @@ class TranscriptLogSink final : public LogSink {
 
     void write(const LogRecord& record) override;
     void setMinimumLevel(LogLevel minimumLevel) { minimumLevel_ = minimumLevel; }
+    // Nothing more reaches the transcript.
+    void mute() { muted_ = true; }
 
   private:
     Transcript& transcript_;
     LogLevel minimumLevel_;
+    bool muted_ = false;
 };
 
 }  // namespace orvane::simulator

@@ -46,6 +46,7 @@ class GlobalShortcutInterceptor : public std::enable_shared_from_this<GlobalShor
     // Ends every gesture but keeps the tap; `reason` is for the log.
     void resetInteractionState(const std::string& reason);
     bool hasEventTap() const { return eventTap_.has_value(); }
+    const std::optional<EventTapHandle>& eventTap() const { return eventTap_; }
     bool isEventTapEnabled() const;
 
     // True when the event is to be swallowed. Main thread only; every key event of the desktop

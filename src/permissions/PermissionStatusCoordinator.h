@@ -10,6 +10,7 @@
 
 #include "core/Observable.h"
 #include "core/PermissionStatusProviding.h"
+#include "platform/ApplicationPort.h"
 #include "platform/NotificationCenterPort.h"
 #include "platform/PermissionPort.h"
 #include "platform/RunLoopPort.h"
@@ -18,9 +19,6 @@ namespace orvane {
 
 // A capability without an entry counts as not granted wherever the table is read directly.
 using PermissionStatusTable = std::map<PermissionCapability, PermissionGrantStatus>;
-
-inline constexpr const char* applicationDidBecomeActiveNotification =
-    "NSApplicationDidBecomeActiveNotification";
 
 // Must be held by a std::shared_ptr, made through `make`: the timer and the notification observer
 // hold it weakly, so that a callback arriving after it is gone does nothing.

@@ -17,8 +17,10 @@ using NotificationObservationToken = std::uint64_t;
 struct PlatformNotification {
     std::string name;
     // The workspace's application key, when the notification is about an application.
-    std::optional<RunningApplication> application;
-    std::map<std::string, std::string> userInfo;
+    std::optional<RunningApplication> application = std::nullopt;
+    std::map<std::string, std::string> userInfo = {};
+    // The object the notification is about, such as the window that closes.
+    std::optional<std::uint64_t> object = std::nullopt;
 };
 
 namespace workspace_notification {

@@ -3,10 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include "simulator/ScenarioParser.h"
 #include "simulator/SimulatorDriver.h"
@@ -36,27 +38,39 @@ std::string play(const fs::path& scenarioPath) {
     return transcript.str();
 }
 
-struct GoldenCase {
-    const char* scenario;
-    const char* transcript;
-};
-
-class ScenarioTranscriptTest : public testing::TestWithParam<GoldenCase> {};
-
-TEST_P(ScenarioTranscriptTest, PlaysToTheRecordedTranscript) {
+// Every shipped example and every scenario of the suite, each beside its recorded transcript
+// (tests/apps/scenarios/NAME.transcript).
+std::vector<fs::path> scenarioFiles() {
     const fs::path root = ORVANE_SOURCE_DIR;
-    const auto expected = readFile(root / GetParam().transcript);
-    ASSERT_FALSE(expected.empty()) << "missing " << GetParam().transcript;
-    EXPECT_EQ(play(root / GetParam().scenario), expected);
+    std::vector<fs::path> files;
+    for (const auto& folder : {root / "examples", root / "tests/apps/scenarios"}) {
+        for (const auto& entry : fs::directory_iterator(folder)) {
+            if (entry.path().extension() == ".scenario") {
+                files.push_back(entry.path());
+            }
+        }
+    }
+    std::sort(files.begin(), files.end());
+    return files;
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Scenarios, ScenarioTranscriptTest,
-    testing::Values(
-        GoldenCase{"examples/gesture.scenario", "tests/apps/scenarios/gesture.transcript"},
-        GoldenCase{"examples/launcher.scenario", "tests/apps/scenarios/launcher.transcript"},
-        GoldenCase{"tests/apps/scenarios/launcher-and-fallbacks.scenario",
-                   "tests/apps/scenarios/launcher-and-fallbacks.transcript"}));
+class ScenarioTranscriptTest : public testing::TestWithParam<fs::path> {};
+
+TEST_P(ScenarioTranscriptTest, PlaysToTheRecordedTranscript) {
+    const auto transcriptPath = fs::path(ORVANE_SOURCE_DIR) / "tests/apps/scenarios" /
+                                GetParam().filename().replace_extension(".transcript");
+    const auto expected = readFile(transcriptPath);
+    ASSERT_FALSE(expected.empty())
+        << "missing " << transcriptPath << " (record it with scripts/record-transcripts.sh)";
+    EXPECT_EQ(play(GetParam()), expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(Scenarios, ScenarioTranscriptTest, testing::ValuesIn(scenarioFiles()),
+                         [](const testing::TestParamInfo<fs::path>& info) {
+                             auto name = info.param.stem().string();
+                             std::replace(name.begin(), name.end(), '-', '_');
+                             return name;
+                         });
 
 TEST(ScenarioTranscript, PlayingTwiceGivesTheSameTranscript) {
     const fs::path scenario = fs::path(ORVANE_SOURCE_DIR) / "examples/gesture.scenario";

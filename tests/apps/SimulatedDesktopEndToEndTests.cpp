@@ -1,5 +1,5 @@
-// Whole gestures over the simulated desktop: real interception, session, enumeration, recency
-// tracker and focus event source; the transcript shows what the user would see.
+// Whole gestures over the simulated desktop, through the program as it is built for real; the
+// transcript shows what the user would see.
 
 #include <gtest/gtest.h>
 
@@ -25,13 +25,17 @@ std::string play(const std::string& scenarioText, LogLevel level = LogLevel::inf
     return transcript.str();
 }
 
-// The transcript lines that start with `prefix` (after the indentation), in order.
-std::vector<std::string> linesStartingWith(const std::string& transcript,
-                                           const std::string& prefix) {
+// The effect lines that start with `prefix` (after the indentation), in order; with `headline`,
+// only those under headlines that end with it.
+std::vector<std::string> linesStartingWith(const std::string& transcript, const std::string& prefix,
+                                           const std::string& headline = "") {
     std::vector<std::string> lines;
     std::istringstream input(transcript);
+    bool underHeadline = headline.empty();
     for (std::string line; std::getline(input, line);) {
-        if (line.rfind("  " + prefix, 0) == 0) {
+        if (line.rfind("[line ", 0) == 0) {
+            underHeadline = headline.empty() || line.ends_with(headline);
+        } else if (underHeadline && line.rfind("  " + prefix, 0) == 0) {
             lines.push_back(line.substr(2));
         }
     }
@@ -55,12 +59,13 @@ TEST(SimulatedDesktopEndToEnd, OneTapAndReleaseGoesBackToThePreviousWindow) {
                                  "flags option\ntap tab\nflags none\n"
                                  "advance 1\n"
                                  "flags option\ntap tab\nflags none\n");
-    EXPECT_EQ(linesStartingWith(transcript, "recency:"),
-              (std::vector<std::string>{"recency: 3 windows [102, 103, 101]",
-                                        "recency: 3 windows [103, 102, 101]"}));
-    EXPECT_EQ(linesStartingWith(transcript, "activate:"),
-              (std::vector<std::string>{"activate: 103 \"Notes\" \"Groceries\" pid 402",
-                                        "activate: 102 \"Terminal\" \"zsh\" pid 401"}));
+    EXPECT_EQ(
+        linesStartingWith(transcript, "overlay: switcher"),
+        (std::vector<std::string>{"overlay: switcher 3 windows [102, 103, 101], selected 1",
+                                  "overlay: switcher 3 windows [103, 102, 101], selected 1"}));
+    EXPECT_EQ(linesStartingWith(transcript, "desktop:", "flags none"),
+              (std::vector<std::string>{"desktop: frontmost pid 402, focused window 103",
+                                        "desktop: frontmost pid 401, focused window 102"}));
 }
 
 TEST(SimulatedDesktopEndToEnd, AWindowClosedDuringTheSessionStaysSelectable) {
@@ -71,9 +76,9 @@ TEST(SimulatedDesktopEndToEnd, AWindowClosedDuringTheSessionStaysSelectable) {
                                  "flags none\n"
                                  "flags option\ntap tab\nflags none\n");
     // The session's list is a snapshot; the activation finds the window gone.
-    EXPECT_EQ(linesStartingWith(transcript, "activate:"),
-              (std::vector<std::string>{"activate: 101 \"Safari\" \"Start Page\" pid 400",
-                                        "activate: 103 \"Notes\" \"Groceries\" pid 402"}));
+    EXPECT_EQ(linesStartingWith(transcript, "desktop:", "flags none"),
+              (std::vector<std::string>{"desktop: frontmost pid 400, focused window none",
+                                        "desktop: frontmost pid 402, focused window 103"}));
     // The private route fails on the stale window; the public one brings its application forward.
     EXPECT_EQ(linesStartingWith(transcript, "log error windowactivation:"),
               (std::vector<std::string>{
@@ -81,7 +86,8 @@ TEST(SimulatedDesktopEndToEnd, AWindowClosedDuringTheSessionStaysSelectable) {
                   "failed for window 101 (error 1001)",
                   "log error windowactivation: Failed to raise window of Safari",
                   "log error windowactivation: Failed to mark window main for Safari"}));
-    EXPECT_EQ(linesStartingWith(transcript, "recency:").back(), "recency: 2 windows [102, 103]");
+    EXPECT_EQ(linesStartingWith(transcript, "overlay: switcher").back(),
+              "overlay: switcher 2 windows [102, 103], selected 1");
 }
 
 TEST(SimulatedDesktopEndToEnd, ApplicationsRefusingNotificationsAreOrderedByTheirActivation) {
@@ -99,14 +105,12 @@ TEST(SimulatedDesktopEndToEnd, ApplicationsRefusingNotificationsAreOrderedByThei
         // A new window of the editor comes in front without being used.
         "create id=4 pid=500 title=\"a2\"\n"
         "flags option\ntap tab\nflags none\n");
-    EXPECT_EQ(linesStartingWith(transcript, "enumerate:"),
-              (std::vector<std::string>{"enumerate: 4 windows [4, 2, 3, 1]"}));
     // Neither refusing application reported a focused window, so their last activations order
-    // them, latest first, ahead of the windows nobody used.
-    EXPECT_EQ(linesStartingWith(transcript, "recency:"),
-              (std::vector<std::string>{"recency: 4 windows [2, 3, 4, 1]"}));
-    EXPECT_EQ(linesStartingWith(transcript, "activate:"),
-              (std::vector<std::string>{"activate: 3 \"Old Tool\" \"c1\" pid 502"}));
+    // them, latest first, ahead of the windows nobody used (listed front to back: 4, 2, 3, 1).
+    EXPECT_EQ(linesStartingWith(transcript, "overlay: switcher"),
+              (std::vector<std::string>{"overlay: switcher 4 windows [2, 3, 4, 1], selected 1"}));
+    EXPECT_EQ(linesStartingWith(transcript, "desktop:", "flags none"),
+              (std::vector<std::string>{"desktop: frontmost pid 502, focused window 3"}));
 }
 
 }  // namespace

@@ -70,7 +70,7 @@ bool SimulatedEventTap::deliver(KeyboardEventType type, const KeyboardEvent& eve
     return false;
 }
 
-void SimulatedEventTap::disableTaps(KeyboardEventType type) {
+void SimulatedEventTap::disableTaps(KeyboardEventType type, double noticeDelay) {
     std::vector<EventTapHandle> disabled;
     for (auto& [handle, tap] : taps_) {
         if (tap.isEnabled) {
@@ -78,14 +78,22 @@ void SimulatedEventTap::disableTaps(KeyboardEventType type) {
             disabled.push_back(handle);
         }
     }
-    const SimulatedKeyboardEvent notice;
-    for (auto handle : disabled) {
-        auto found = taps_.find(handle);
-        if (found != taps_.end()) {
-            auto callback = found->second.callback;
-            callback(type, notice);
+    auto notify = [this, type, disabled] {
+        const SimulatedKeyboardEvent notice;
+        for (auto handle : disabled) {
+            // A tap removed in the meantime hears nothing.
+            auto found = taps_.find(handle);
+            if (found != taps_.end()) {
+                auto callback = found->second.callback;
+                callback(type, notice);
+            }
         }
+    };
+    if (noticeDelay <= 0) {
+        notify();
+        return;
     }
+    desktop_.runLoop().scheduleTimer(noticeDelay, false, 0, std::move(notify));
 }
 
 }  // namespace orvane

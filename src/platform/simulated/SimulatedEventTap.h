@@ -26,8 +26,10 @@ class SimulatedEventTap final : public EventTapPort {
 
     // Offers the event to every live, enabled tap on the run loop; true when one swallowed it.
     bool deliver(KeyboardEventType type, const KeyboardEvent& event);
-    // The system disables every enabled tap and tells each with the pseudo-event of `type`.
-    void disableTaps(KeyboardEventType type);
+    // The system disables every enabled tap and tells each with the pseudo-event of `type`, at
+    // once or, with a delay, after that many seconds of run-loop time: the keys in between pass
+    // the tap by.
+    void disableTaps(KeyboardEventType type, double noticeDelay = 0);
 
     std::size_t liveTapCount() const { return taps_.size(); }
 

@@ -1,0 +1,76 @@
+#include "SimulatedMachine.h"
+
+#include <string>
+
+namespace orvane::simulator {
+
+SimulatedMachine::SimulatedMachine()
+    : desktop(SimulatedDesktop::make(programProcessIdentifier)),
+      permissions(std::make_shared<SimulatedPermissions>()),
+      userDefaults(std::make_shared<SimulatedUserDefaults>()),
+      applicationNotifications(std::make_shared<SimulatedNotificationCenter>()),
+      application(std::make_shared<SimulatedApplicationObject>(
+          applicationNotifications, ApplicationActivationPolicy::accessory,
+          desktop->runLoopPort())),
+      skyLight(std::make_shared<SimulatedSkyLight>(desktop)),
+      screenCapture(std::make_shared<SimulatedScreenCapture>(desktop)),
+      fileSystem(std::make_shared<SimulatedFileSystem>()),
+      applicationLauncher(std::make_shared<SimulatedApplicationLauncher>(desktop->runLoopPort())),
+      sound(std::make_shared<SimulatedSound>()),
+      overlayPanel(std::make_shared<SimulatedOverlayPanel>()),
+      updater(std::make_shared<SimulatedUpdater>()),
+      bundle(std::make_shared<SimulatedBundle>()),
+      systemInformation(std::make_shared<SimulatedSystemInformation>()),
+      pasteboard(std::make_shared<SimulatedPasteboard>()),
+      urlComponents(std::make_shared<SimulatedUrlComponents>()) {
+    fileSystem->createApplicationFolders();
+    setPermission(PermissionCapability::accessibility, true);
+    setPermission(PermissionCapability::screenRecording, true);
+    bundle->setInfoDictionaryValue("CFBundleShortVersionString", "1.0");
+    bundle->setInfoDictionaryValue("CFBundleVersion", "1");
+    systemInformation->setOperatingSystemVersionString("Version 14.5 (Build 23F79)");
+    systemInformation->setSysctlValue("hw.model", std::string("Mac14,2") + '\0');
+}
+
+OrvaneApplicationDelegate::Platform SimulatedMachine::platform() const {
+    OrvaneApplicationDelegate::Platform platform;
+    platform.currentProcessIdentifier = programProcessIdentifier;
+    platform.userDefaults = userDefaults;
+    platform.permissions = permissions;
+    platform.mainRunLoop = desktop->runLoopPort();
+    platform.clock = desktop->runLoopPort();
+    platform.application = application;
+    platform.applicationNotifications = applicationNotifications;
+    platform.accessibility = desktop->accessibilityPort();
+    platform.windowList = desktop->windowListPort();
+    platform.workspace = desktop->workspacePort();
+    platform.workspaceNotifications = desktop->workspaceNotificationCenter();
+    platform.distributedNotifications = desktop->distributedNotificationCenter();
+    platform.eventTaps = desktop->eventTapPort();
+    platform.privateFocusLibrary = skyLight;
+    platform.screenCapture = screenCapture;
+    platform.screens = desktop->screensPort();
+    platform.overlayPanel = overlayPanel;
+    platform.fileManager = fileSystem;
+    platform.applicationLauncher = applicationLauncher;
+    platform.sound = sound;
+    platform.updater = updater;
+    platform.bundle = bundle;
+    platform.systemInformation = systemInformation;
+    platform.pasteboard = pasteboard;
+    platform.urlComponents = urlComponents;
+    platform.supportAddress = supportAddress;
+    return platform;
+}
+
+void SimulatedMachine::setPermission(PermissionCapability capability, bool granted) {
+    if (capability == PermissionCapability::accessibility) {
+        desktop->setAccessibilityTrusted(granted);
+        permissions->setAccessibilityTrusted(granted);
+        return;
+    }
+    screenCapture->screenCaptureAccessGranted = granted;
+    permissions->setScreenRecordingGranted(granted);
+}
+
+}  // namespace orvane::simulator

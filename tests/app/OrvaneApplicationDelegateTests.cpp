@@ -1,0 +1,237 @@
+// The program's life over the simulated machine: launch with and without Accessibility, the retry
+// for the tap, the activation sweep, revocation, reopen and teardown.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "app/OrvaneApp.h"
+#include "core/ScopedLogCapture.h"
+#include "platform/simulated/SimulatedKeyboardEvent.h"
+#include "preferences/SettingsPane.h"
+#include "simulator/SimulatedMachine.h"
+
+namespace orvane {
+namespace {
+
+using simulator::SimulatedMachine;
+using Lines = std::vector<std::string>;
+
+constexpr const char* tapFailed =
+    "event tap creation failed; accessibility trust is likely missing";
+
+class ApplicationLifecycleTest : public testing::Test {
+  protected:
+    void SetUp() override {
+        for (ProcessIdentifier process : {400, 401}) {
+            SimulatedApplication application;
+            application.runningApplication.processIdentifier = process;
+            application.runningApplication.localizedName = process == 400 ? "Safari" : "Terminal";
+            machine.desktop->launchApplication(application);
+            SimulatedWindow window;
+            window.windowIdentifier = static_cast<WindowIdentifier>(process - 299);
+            window.owningProcessIdentifier = process;
+            window.listTitle = window.accessibilityTitle = "w" + std::to_string(process);
+            machine.desktop->createWindow(window);
+        }
+        machine.desktop->focusWindow(102);
+        machine.desktop->focusWindow(101);
+        settle();
+    }
+
+    void launch() {
+        app = std::make_unique<OrvaneApp>(machine.platform());
+        app->finishLaunching();
+        settle();
+    }
+    void settle() { machine.desktop->runLoop().runUntilIdle(); }
+    void advance(double seconds) { machine.desktop->runLoop().advance(seconds); }
+    void key(KeyboardEventType type, EventKeyCode code, KeyboardEventFlags flags) {
+        machine.desktop->postKeyboardEvent(type, SimulatedKeyboardEvent(code, flags, false, u""));
+        settle();
+    }
+    void startSession() {
+        key(keyboard_event_type::flagsChanged, 0, keyboard_event_flag::option);
+        key(keyboard_event_type::keyDown, 48, keyboard_event_flag::option);
+        ASSERT_TRUE(delegate().switcherSessionCoordinator()->isSessionActive());
+    }
+    void becomeActive() {
+        machine.applicationNotifications->postNotification(
+            {applicationDidBecomeActiveNotification});
+        settle();
+    }
+    OrvaneApplicationDelegate& delegate() { return *app->delegate(); }
+    // "category: message" of every record at info level or above, then forgotten.
+    Lines take() {
+        Lines lines;
+        for (const auto& record : capture.sink().takeRecords()) {
+            if (record.level != LogLevel::debug) {
+                lines.push_back(std::string(logCategoryName(record.category)) + ": " +
+                                record.message);
+            }
+        }
+        return lines;
+    }
+    std::size_t tries(const Lines& lines) {
+        return static_cast<std::size_t>(std::count(
+            lines.begin(), lines.end(), std::string("shortcutinterception: ") + tapFailed));
+    }
+
+    ScopedLogCapture capture;
+    SimulatedMachine machine;
+    std::unique_ptr<OrvaneApp> app;
+};
+
+TEST_F(ApplicationLifecycleTest, ConstructionStartsOnlyTheUpdaterAndTheLaunchStartsTheEngine) {
+    app = std::make_unique<OrvaneApp>(machine.platform());
+    EXPECT_EQ(machine.updater->startCount(), 1u);
+    EXPECT_EQ(machine.desktop->eventTaps().liveTapCount(), 0u);
+    EXPECT_EQ(take(), (Lines{"permission: permission status changed: accessibility -> granted",
+                             "permission: permission status changed: screenRecording -> granted",
+                             "softwareupdates: Sparkle updater started."}));
+    app->finishLaunching();
+    settle();
+    EXPECT_EQ(take(), (Lines{"lifecycle: applicationDidFinishLaunching — starting engine",
+                             "shortcutinterception: event tap created and enabled",
+                             "lifecycle: global shortcut interception active",
+                             "permission: permission onboarding skipped — required permissions "
+                             "already granted",
+                             "lifecycle: launch complete"}));
+    EXPECT_FALSE(delegate().isRetryingInterception());
+    EXPECT_FALSE(delegate().permissionOnboardingWindowController()->window());
+}
+
+TEST_F(ApplicationLifecycleTest, WithoutAccessibilityItRetriesEveryThreeSecondsUntilTheGrant) {
+    machine.setPermission(PermissionCapability::accessibility, false);
+    launch();
+    EXPECT_EQ(take(),
+              (Lines{"permission: permission status changed: accessibility -> notGranted",
+                     "permission: permission status changed: screenRecording -> granted",
+                     "softwareupdates: Sparkle updater started.",
+                     "lifecycle: applicationDidFinishLaunching — starting engine",
+                     std::string("shortcutinterception: ") + tapFailed,
+                     "lifecycle: event tap unavailable (permissions pending) — retrying "
+                     "in background",
+                     "permission: showing permission onboarding", "lifecycle: launch complete",
+                     // The window brought the program forward: one more try at once.
+                     std::string("shortcutinterception: ") + tapFailed}));
+    EXPECT_TRUE(delegate().isRetryingInterception());
+    EXPECT_TRUE(delegate().permissionOnboardingWindowController()->window());
+    EXPECT_EQ(machine.application->activationPolicy(), ApplicationActivationPolicy::regular);
+
+    advance(2.9);
+    EXPECT_EQ(tries(take()), 0u);
+    advance(0.1);
+    advance(3);
+    EXPECT_EQ(tries(take()), 2u);
+
+    machine.setPermission(PermissionCapability::accessibility, true);
+    advance(1);
+    take();
+    advance(2);
+    const auto lines = take();
+    EXPECT_EQ(std::count(lines.begin(), lines.end(),
+                         "lifecycle: global shortcut interception active after retry"),
+              1);
+    EXPECT_FALSE(delegate().isRetryingInterception());
+    EXPECT_TRUE(delegate().globalShortcutInterceptor()->isEventTapEnabled());
+    advance(9);
+    EXPECT_EQ(machine.desktop->eventTaps().liveTapCount(), 1u);
+    EXPECT_EQ(take(), Lines{});
+}
+
+TEST_F(ApplicationLifecycleTest, BecomingActiveTriesAtOnceAndRepairsADisabledTap) {
+    machine.setPermission(PermissionCapability::accessibility, false);
+    launch();
+    take();
+    becomeActive();
+    EXPECT_EQ(tries(take()), 1u);
+    machine.setPermission(PermissionCapability::accessibility, true);
+    becomeActive();
+    EXPECT_TRUE(delegate().globalShortcutInterceptor()->isEventTapEnabled());
+    EXPECT_FALSE(delegate().isRetryingInterception());
+    take();
+
+    // Healthy tap, no retry due: the sweep does nothing.
+    becomeActive();
+    EXPECT_EQ(take(), Lines{});
+    startSession();
+    // The system's notice is still on its way when the program comes forward.
+    machine.desktop->eventTaps().disableTaps(keyboard_event_type::tapDisabledByTimeout, 60);
+    becomeActive();
+    EXPECT_TRUE(delegate().globalShortcutInterceptor()->isEventTapEnabled());
+    EXPECT_FALSE(delegate().switcherSessionCoordinator()->isSessionActive());
+    EXPECT_EQ(take().back(),
+              "shortcutinterception: interaction state reset (tap found disabled on activation "
+              "sweep)");
+    EXPECT_EQ(machine.desktop->focusedWindow(), 101u);
+}
+
+TEST_F(ApplicationLifecycleTest, RevocationEndsTheSessionUnactivatedAndRaisesOneWelcomeWindow) {
+    launch();
+    startSession();
+    machine.setPermission(PermissionCapability::accessibility, false);
+    delegate().permissionStatusCoordinator()->refresh();
+    settle();
+    EXPECT_FALSE(delegate().switcherSessionCoordinator()->isSessionActive());
+    EXPECT_EQ(machine.desktop->focusedWindow(), 101u);
+    EXPECT_FALSE(delegate().globalShortcutInterceptor()->hasEventTap());
+    EXPECT_TRUE(delegate().isRetryingInterception());
+    const auto window = delegate().permissionOnboardingWindowController()->window();
+    ASSERT_TRUE(window);
+    const auto lines = take();
+    EXPECT_NE(std::find(lines.begin(), lines.end(),
+                        "lifecycle: accessibility revoked while running — tearing down "
+                        "interception"),
+              lines.end());
+
+    const auto activations = machine.application->activationCount();
+    delegate().showWelcomeWindow();
+    EXPECT_EQ(machine.application->windows(), std::vector<PlatformWindowHandle>{*window});
+    EXPECT_EQ(machine.application->activationCount(), activations + 1);
+    EXPECT_EQ(machine.application->keyWindow(), window);
+}
+
+TEST_F(ApplicationLifecycleTest, ReopenOpensGeneralSettingsOnlyWithoutVisibleWindows) {
+    launch();
+    Lines panes;
+    machine.applicationNotifications->addObserver(
+        openSettingsPaneNotificationName, [&](const PlatformNotification& notification) {
+            panes.push_back(notification.userInfo.at(settingsPaneUserInfoKey));
+        });
+    EXPECT_FALSE(delegate().applicationShouldHandleReopen(true));
+    EXPECT_TRUE(panes.empty());
+    EXPECT_FALSE(delegate().applicationShouldHandleReopen(false));
+    EXPECT_EQ(panes, Lines{"general"});
+    EXPECT_EQ(machine.application->showSettingsWindowCount(), 1u);
+    EXPECT_FALSE(delegate().applicationShouldTerminateAfterLastWindowClosed());
+}
+
+TEST_F(ApplicationLifecycleTest, QuitDuringASessionActivatesNothingAndRemovesTheTapFirst) {
+    launch();
+    startSession();
+    capture.sink().takeRecords();
+    app->terminate();
+    settle();
+    Lines order;
+    for (const auto& record : capture.sink().takeRecords()) {
+        order.push_back(record.message);
+    }
+    const auto removed = std::find(order.begin(), order.end(), "event tap removed");
+    const auto stopped =
+        std::find(order.begin(), order.end(), "Stopped most-recently-used window tracking");
+    EXPECT_EQ(order.front(), "applicationWillTerminate — tearing down");
+    ASSERT_NE(stopped, order.end());
+    EXPECT_LT(removed, stopped);
+    EXPECT_FALSE(machine.overlayPanel->isOrderedFront());
+    EXPECT_EQ(machine.desktop->focusedWindow(), 101u);
+    EXPECT_EQ(machine.desktop->eventTaps().liveTapCount(), 0u);
+    // Whatever the application object says later reaches no one.
+    becomeActive();
+    EXPECT_FALSE(delegate().globalShortcutInterceptor()->hasEventTap());
+}
+
+}  // namespace
+}  // namespace orvane
