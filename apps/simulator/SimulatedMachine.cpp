@@ -4,6 +4,48 @@
 
 namespace orvane::simulator {
 
+namespace {
+
+// An opened application starts with one window in front and comes forward with it; one that runs
+// already just comes forward.
+void openApplication(SimulatedDesktop& desktop, const std::string& path) {
+    auto name = path.substr(path.rfind('/') + 1);
+    if (name.ends_with(".app")) {
+        name.resize(name.size() - 4);
+    }
+    const auto bundleIdentifier = "com.example." + name;
+    for (auto process : desktop.applicationsInLaunchOrder()) {
+        const auto* running = desktop.application(process);
+        if (running != nullptr &&
+            running->runningApplication.bundleIdentifier == bundleIdentifier) {
+            desktop.activateApplication(process);
+            return;
+        }
+    }
+    // Identifiers no scenario is likely to use, and never one in use.
+    ProcessIdentifier process = 900;
+    while (desktop.application(process) != nullptr) {
+        ++process;
+    }
+    WindowIdentifier identifier = 9000;
+    while (desktop.window(identifier) != nullptr) {
+        ++identifier;
+    }
+    SimulatedApplication application;
+    application.runningApplication.processIdentifier = process;
+    application.runningApplication.localizedName = name;
+    application.runningApplication.bundleIdentifier = bundleIdentifier;
+    desktop.launchApplication(application);
+    SimulatedWindow window;
+    window.windowIdentifier = identifier;
+    window.owningProcessIdentifier = application.runningApplication.processIdentifier;
+    window.listTitle = window.accessibilityTitle = name;
+    desktop.createWindow(window, true);
+    desktop.focusWindow(window.windowIdentifier);
+}
+
+}  // namespace
+
 SimulatedMachine::SimulatedMachine()
     : desktop(SimulatedDesktop::make(programProcessIdentifier)),
       permissions(std::make_shared<SimulatedPermissions>()),
@@ -24,6 +66,12 @@ SimulatedMachine::SimulatedMachine()
       pasteboard(std::make_shared<SimulatedPasteboard>()),
       urlComponents(std::make_shared<SimulatedUrlComponents>()) {
     fileSystem->createApplicationFolders();
+    applicationLauncher->launchEffect =
+        [desktop = std::weak_ptr<SimulatedDesktop>(desktop)](const std::string& path) {
+            if (auto machineDesktop = desktop.lock()) {
+                openApplication(*machineDesktop, path);
+            }
+        };
     setPermission(PermissionCapability::accessibility, true);
     setPermission(PermissionCapability::screenRecording, true);
     bundle->setInfoDictionaryValue("CFBundleShortVersionString", "1.0");

@@ -197,7 +197,17 @@ INSTANTIATE_TEST_SUITE_P(
         MalformedCase{"frontmost pid=1 extra\n", 1, "pid=N or none"},
         MalformedCase{"preferences {\"cardSize\":\"huge\"}\n", 1, "cardSize"},
         MalformedCase{"preferences not json\n", 1, "preferences record rejected"},
-        MalformedCase{"key=value\n", 1, "starts with a directive"}));
+        MalformedCase{"key=value\n", 1, "starts with a directive"},
+        MalformedCase{"accessibility maybe\n", 1, "takes granted or denied"},
+        MalformedCase{"start now\n", 1, "takes nothing more"},
+        MalformedCase{"start\nstart\n", 2, "started once"},
+        MalformedCase{"diagnostics\nstart\n", 2, "comes before any line that needs"},
+        MalformedCase{"quit-program\nwelcome continue\n", 2, "after the program has quit"},
+        MalformedCase{"welcome press camera\n", 1, "press accessibility|screen-recording"},
+        MalformedCase{"settings advanced\n", 1, "general, shortcuts or about"},
+        MalformedCase{"tap-disabled soon\n", 1, "timeout or user-input"},
+        MalformedCase{"tap-disabled timeout delay=-1\n", 1, "not negative"},
+        MalformedCase{"reopen twice\n", 1, "takes windows-visible"}));
 
 // The driver itself: a malformed file ends it with status 1 and the line on standard error, and
 // nothing is played.

@@ -11,8 +11,13 @@ void SimulatedApplicationLauncher::openApplication(const std::string& applicatio
                                                    ApplicationLaunchCompletion completion) {
     launchedPaths_.push_back(applicationPath);
     // The outcome is fixed at the request, as the platform decides it when asked.
-    runLoop_->post(
-        [completion = std::move(completion), error = failureDescription] { completion(error); });
+    runLoop_->post([completion = std::move(completion), error = failureDescription,
+                    effect = launchEffect, applicationPath] {
+        if (!error && effect) {
+            effect(applicationPath);
+        }
+        completion(error);
+    });
 }
 
 }  // namespace orvane

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -24,6 +25,8 @@ class SimulatedApplicationLauncher final : public ApplicationLauncherPort {
 
     // Knob: while set, every launch fails with this description.
     std::optional<std::string> failureDescription;
+    // What a successful launch does to the desktop, just before its completion runs.
+    std::function<void(const std::string& applicationPath)> launchEffect;
 
     // Every path asked for, in order.
     const std::vector<std::string>& launchedPaths() const { return launchedPaths_; }
