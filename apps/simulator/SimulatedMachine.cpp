@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "app/ProductSettings.h"
+
 namespace orvane::simulator {
 
 namespace {
@@ -107,7 +109,7 @@ OrvaneApplicationDelegate::Platform SimulatedMachine::platform() const {
     platform.systemInformation = systemInformation;
     platform.pasteboard = pasteboard;
     platform.urlComponents = urlComponents;
-    platform.supportAddress = supportAddress;
+    platform.supportAddress = supportEmailAddress;
     return platform;
 }
 

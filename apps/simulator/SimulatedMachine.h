@@ -29,7 +29,6 @@ class SimulatedMachine {
   public:
     // The program's own process on the simulated desktop.
     static constexpr ProcessIdentifier programProcessIdentifier = 100;
-    static constexpr const char* supportAddress = "support@orvane.example";
 
     SimulatedMachine();
 
