@@ -1,8 +1,8 @@
 #include "overlay/OverlayTextRenderer.h"
 
-#include <cmath>
-#include <cstdio>
 #include <string_view>
+
+#include "core/FormatPoints.h"
 
 namespace orvane {
 
@@ -128,20 +128,6 @@ std::string_view name(OverlayShapeKind kind) {
     return "?";
 }
 
-std::string number(double value) {
-    const double tenths = std::round(value * 10);
-    if (tenths == 0) {
-        return "0";  // never "-0"
-    }
-    char buffer[32];
-    if (std::fmod(tenths, 10) == 0) {
-        std::snprintf(buffer, sizeof buffer, "%.0f", tenths / 10);
-    } else {
-        std::snprintf(buffer, sizeof buffer, "%.1f", tenths / 10);
-    }
-    return buffer;
-}
-
 class LineWriter {
   public:
     explicit LineWriter(std::string& out) : out_(out) {}
@@ -150,7 +136,7 @@ class LineWriter {
         out_ += ' ';
         out_ += name(shape.kind);
         if (shape.kind == OverlayShapeKind::roundedRectangle) {
-            out_ += " radius " + number(shape.cornerRadius);
+            out_ += " radius " + formatPoints(shape.cornerRadius);
         }
         if (shape.material) {
             out_ += " material regularBlur";
@@ -160,7 +146,7 @@ class LineWriter {
         }
         if (shape.stroke) {
             paint(" stroke ", shape.stroke->paint);
-            out_ += " width " + number(shape.stroke->lineWidth);
+            out_ += " width " + formatPoints(shape.stroke->lineWidth);
         }
     }
 
@@ -179,7 +165,7 @@ class LineWriter {
     void operator()(const OverlayImage& image) {
         out_ += " \"" + image.image.description + "\"";
         if (image.clipCornerRadius > 0) {
-            out_ += " clip " + number(image.clipCornerRadius);
+            out_ += " clip " + formatPoints(image.clipCornerRadius);
         }
         opacity(image.opacity);
         shadow(image.shadow);
@@ -214,14 +200,14 @@ class LineWriter {
 
     void opacity(double value) {
         if (value != 1.0) {
-            out_ += " opacity " + number(value * 100) + "%";
+            out_ += " opacity " + formatPoints(value * 100) + "%";
         }
     }
 
     void shadow(const std::optional<OverlayShadow>& shadow) {
         if (shadow) {
             paint(" shadow ", shadow->paint);
-            out_ += " blur " + number(shadow->blurRadius);
+            out_ += " blur " + formatPoints(shadow->blurRadius);
         }
     }
 
@@ -236,8 +222,8 @@ std::string_view kind(const OverlayElement& element) {
 }  // namespace
 
 std::string OverlayTextRenderer::render(const OverlayViewData& data) {
-    std::string out =
-        "panel " + number(data.panelSize.width) + "x" + number(data.panelSize.height) + "\n";
+    std::string out = "panel " + formatPoints(data.panelSize.width) + "x" +
+                      formatPoints(data.panelSize.height) + "\n";
     for (const auto& element : data.elements) {
         out += name(element.part);
         if (!element.key.empty()) {
@@ -246,8 +232,8 @@ std::string OverlayTextRenderer::render(const OverlayViewData& data) {
         out += ' ';
         out += kind(element);
         const Rect& frame = element.frame();
-        out += ' ' + number(frame.minX()) + ',' + number(frame.minY()) + ' ' +
-               number(frame.width()) + 'x' + number(frame.height());
+        out += ' ' + formatPoints(frame.minX()) + ',' + formatPoints(frame.minY()) + ' ' +
+               formatPoints(frame.width()) + 'x' + formatPoints(frame.height());
         std::visit(LineWriter{out}, element.content);
         out += '\n';
     }

@@ -1,9 +1,8 @@
 #include "permissions/PermissionOnboardingTextRenderer.h"
 
-#include <cmath>
-#include <cstdio>
 #include <string_view>
 
+#include "core/FormatPoints.h"
 #include "permissions/PermissionStatusCoordinator.h"
 
 namespace orvane {
@@ -58,22 +57,12 @@ std::string_view name(OnboardingColorRole color) {
     return "?";
 }
 
-std::string number(double value) {
-    char buffer[32];
-    if (value == std::round(value)) {
-        std::snprintf(buffer, sizeof buffer, "%.0f", value);
-    } else {
-        std::snprintf(buffer, sizeof buffer, "%.1f", value);
-    }
-    return buffer;
-}
-
 std::string font(const OnboardingFont& font) {
     std::string out;
     if (const auto* style = std::get_if<OnboardingTextStyle>(&font.size)) {
         out = name(*style);
     } else {
-        out = number(std::get<OnboardingPointSize>(font.size).points) + "pt";
+        out = formatPoints(std::get<OnboardingPointSize>(font.size).points) + "pt";
     }
     if (font.weight != OnboardingFontWeight::regular) {
         out += ' ';
@@ -127,8 +116,8 @@ std::string action(const PermissionRowAction& action) {
 }  // namespace
 
 std::string PermissionOnboardingTextRenderer::render(const PermissionOnboardingContent& content) {
-    std::string out = "window " + number(content.layout.frame.width) + "x" +
-                      number(content.layout.frame.height) + "\n";
+    std::string out = "window " + formatPoints(content.layout.frame.width) + "x" +
+                      formatPoints(content.layout.frame.height) + "\n";
     out += "icon symbol " + symbol(content.icon) + "\n";
     out += "title text " + text(content.title) + "\n";
     out += "subtitle text " + text(content.subtitle) + "\n";
