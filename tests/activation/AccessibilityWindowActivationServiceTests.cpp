@@ -14,6 +14,7 @@
 #include "recency/AccessibilityWindowFocusEventSource.h"
 #include "recency/MostRecentlyUsedWindowTracker.h"
 #include "support/ForwardingAccessibilityPort.h"
+#include "support/SimulatedDesktopBuilders.h"
 #include "support/TakeLog.h"
 
 namespace orvane {
@@ -92,22 +93,12 @@ SwitchableWindow switchable(WindowIdentifier window, ProcessIdentifier process,
     return result;
 }
 
-// Every line must be an error of the activation category; each ends in a newline.
-std::string takeLog(ScopedLogCapture& capture) {
-    return takeLog(capture, LogCategory::windowactivation, LogLevel::error);
-}
-
 // Safari (400) is frontmost with window 401; Notes (500) waits behind with window 501.
 struct Scene {
     explicit Scene(bool minimized) : minimized(minimized) {
         for (auto [process, name] : {std::pair{400, "Safari"}, std::pair{500, "Notes"}}) {
-            SimulatedApplication application;
-            application.runningApplication.processIdentifier = process;
-            application.runningApplication.localizedName = name;
-            desktop->launchApplication(application);
-            SimulatedWindow window;
-            window.windowIdentifier = static_cast<WindowIdentifier>(process + 1);
-            window.owningProcessIdentifier = process;
+            desktop->launchApplication(simulatedApplication(process, name));
+            auto window = simulatedWindow(static_cast<WindowIdentifier>(process + 1), process);
             window.isMinimized = minimized && process == 500;
             desktop->createWindow(window);
         }
@@ -145,7 +136,7 @@ TEST(AccessibilityWindowActivationService, BothRoutesTakeTheirStepsInOrder) {
         Scene scene(each.minimized);
         scene.collaborators->privateAnswer = each.privateAnswer;
         EXPECT_EQ(scene.activateNotes(), each.journal);
-        EXPECT_EQ(takeLog(logCapture), "");
+        EXPECT_EQ(takeLog(logCapture, LogCategory::windowactivation, LogLevel::error), "");
         EXPECT_FALSE(scene.desktop->window(501)->isMinimized);
         // Only the public route brings Notes forward here.
         EXPECT_EQ(scene.desktop->frontmostProcessIdentifier(), each.privateAnswer ? 400 : 500);
@@ -186,7 +177,7 @@ TEST(AccessibilityWindowActivationService, EveryFailureIsLoggedAndTheSequenceGoe
         scene.collaborators->privateAnswer = each.privateAnswer;
         EXPECT_EQ(scene.activateNotes(),
                   "AXMinimized=false focus 501/500 AXRaise AXMain=true " + each.journalAfterMain);
-        EXPECT_EQ(takeLog(logCapture), each.log);
+        EXPECT_EQ(takeLog(logCapture, LogCategory::windowactivation, LogLevel::error), each.log);
     }
 }
 

@@ -13,6 +13,7 @@
 #include "platform/posix/PosixDynamicLibrary.h"
 #include "platform/simulated/SimulatedDesktop.h"
 #include "platform/simulated/SimulatedSkyLight.h"
+#include "support/SimulatedDesktopBuilders.h"
 #include "support/TakeLog.h"
 
 namespace orvane {
@@ -58,13 +59,9 @@ class SkyLightPrivateWindowFocusServiceTest : public ::testing::Test {
   protected:
     SkyLightPrivateWindowFocusServiceTest() {
         for (ProcessIdentifier process : {400, 500}) {
-            SimulatedApplication application;
-            application.runningApplication.processIdentifier = process;
-            desktop->launchApplication(application);
-            SimulatedWindow window;
-            window.windowIdentifier = static_cast<WindowIdentifier>(process + 1);
-            window.owningProcessIdentifier = process;
-            desktop->createWindow(window);
+            desktop->launchApplication(simulatedApplication(process));
+            desktop->createWindow(
+                simulatedWindow(static_cast<WindowIdentifier>(process + 1), process));
         }
         desktop->focusWindow(401);
     }

@@ -8,90 +8,42 @@
 
 #include "core/AccessibilityWindowElement.h"
 #include "core/SwitchableWindow.h"
+#include "platform/simulated/SimulatedAccessibilityElement.h"
+#include "platform/simulated/SimulatedDesktop.h"
+#include "support/ForwardingAccessibilityPort.h"
 
 namespace orvane {
 namespace {
 
-// Stands for element `elementIdentifier` of process `processIdentifier`; a fresh object per
-// wrapper, as the platform hands out.
-class FakeElement final : public AccessibilityElementObject {
-  public:
-    FakeElement(int processIdentifier, int elementIdentifier)
-        : processIdentifier_(processIdentifier), elementIdentifier_(elementIdentifier) {}
+using Reading = AccessibilityPort::AttributeReading;
 
-    bool isEqualTo(const AccessibilityElementObject& other) const override {
-        const auto* fake = dynamic_cast<const FakeElement*>(&other);
-        return fake != nullptr && fake->processIdentifier_ == processIdentifier_ &&
-               fake->elementIdentifier_ == elementIdentifier_;
-    }
-    std::size_t hashValue() const override {
-        return std::hash<long long>{}((static_cast<long long>(processIdentifier_) << 32) ^
-                                      elementIdentifier_);
-    }
-
-  private:
-    int processIdentifier_;
-    int elementIdentifier_;
-};
-
-AccessibilityWindowElement element(int process, int identifier) {
-    return AccessibilityWindowElement(std::make_shared<FakeElement>(process, identifier));
+// A fresh platform object per wrapper, as the platform hands out.
+AccessibilityWindowElement element(ProcessIdentifier process, WindowIdentifier window) {
+    return AccessibilityWindowElement(
+        std::make_shared<SimulatedAccessibilityElement>(process, window));
 }
 
 // Answers each attribute with a fixed reading; anything unlisted is `attributeUnsupported`.
-class FakeAccessibility final : public AccessibilityPort {
-  public:
-    std::map<std::string, AttributeReading, std::less<>> readings;
-
-    AttributeReading copyAttributeValue(const AccessibilityElementHandle&,
-                                        std::string_view attribute) const override {
-        auto found = readings.find(attribute);
-        if (found == readings.end()) {
-            return {accessibility_error::attributeUnsupported, std::nullopt};
-        }
-        return found->second;
+struct FixedAccessibility final : ForwardingAccessibilityPort {
+    FixedAccessibility(Reading position, Reading size)
+        : ForwardingAccessibilityPort(SimulatedDesktop::make()->accessibilityPort()),
+          readings{{"AXPosition", position}, {"AXSize", size}} {}
+    Reading copyAttributeValue(const AccessibilityElementHandle&,
+                               std::string_view attribute) const override {
+        const auto found = readings.find(attribute);
+        return found == readings.end() ? Reading{accessibility_error::attributeUnsupported, {}}
+                                       : found->second;
     }
-
-    // Element frames read attributes only.
-    AccessibilityError setAttributeValue(const AccessibilityElementHandle&, std::string_view,
-                                         const AccessibilityValue&) override {
-        return accessibility_error::failure;
-    }
-    AccessibilityError performAction(const AccessibilityElementHandle&, std::string_view) override {
-        return accessibility_error::failure;
-    }
-    AccessibilityElementHandle createApplicationElement(ProcessIdentifier) override {
-        return nullptr;
-    }
-    AccessibilityError setMessagingTimeout(const AccessibilityElementHandle&, float) override {
-        return accessibility_error::success;
-    }
-    ProcessReading processIdentifier(const AccessibilityElementHandle&) const override {
-        return {};
-    }
-    ObserverCreation createObserver(ProcessIdentifier, ObserverCallback) override { return {}; }
-    AccessibilityError addNotification(const AccessibilityObserverHandle&,
-                                       const AccessibilityElementHandle&, std::string_view,
-                                       void*) override {
-        return accessibility_error::failure;
-    }
-    AccessibilityError removeNotification(const AccessibilityObserverHandle&,
-                                          const AccessibilityElementHandle&,
-                                          std::string_view) override {
-        return accessibility_error::failure;
-    }
-    RunLoopSourceHandle observerRunLoopSource(const AccessibilityObserverHandle&) override {
-        return 0;
-    }
+    std::map<std::string, Reading, std::less<>> readings;
 };
 
-AccessibilityPort::AttributeReading success(AccessibilityValue value) {
+Reading success(AccessibilityValue value) {
     return {accessibility_error::success, std::move(value)};
 }
-AccessibilityPort::AttributeReading pointReading(double x, double y) {
+Reading point(double x, double y) {
     return success({AccessibilityGeometryValue::ofPoint({x, y})});
 }
-AccessibilityPort::AttributeReading sizeReading(double width, double height) {
+Reading size(double width, double height) {
     return success({AccessibilityGeometryValue::ofSize({width, height})});
 }
 
@@ -115,63 +67,53 @@ TEST(AccessibilityWindowElementIdentity, SeparateWrappersOfOneElementAreOneKey) 
     EXPECT_FALSE(first == AccessibilityWindowElement(nullptr));
 }
 
+// The origin comes from the position and the extent from the size; any unreadable or mistyped
+// attribute gives nothing.
 TEST(AccessibilityWindowElementFrame, ReadsOriginFromPositionAndExtentFromSize) {
-    FakeAccessibility accessibility;
-    accessibility.readings["AXPosition"] = pointReading(-1440, 25.5);
-    accessibility.readings["AXSize"] = sizeReading(800, 600);
-    EXPECT_EQ(element(1, 1).readScreenFrame(accessibility), (Rect{{-1440, 25.5}, {800, 600}}));
-}
-
-TEST(AccessibilityWindowElementFrame, AnyUnreadableOrMistypedAttributeGivesNothing) {
+    EXPECT_EQ(element(1, 1).readScreenFrame(FixedAccessibility(point(-1440, 25.5), size(800, 600))),
+              (Rect{{-1440, 25.5}, {800, 600}}));
     struct Case {
         const char* name;
-        AccessibilityPort::AttributeReading position;
-        AccessibilityPort::AttributeReading size;
+        Reading position, size;
     };
     const Case cases[] = {
-        {"size fails", pointReading(10, 20), {accessibility_error::cannotComplete, std::nullopt}},
+        {"size fails", point(10, 20), {accessibility_error::cannotComplete, std::nullopt}},
         {"position fails despite a value",
          {accessibility_error::failure,
           AccessibilityValue{AccessibilityGeometryValue::ofPoint({})}},
-         sizeReading(1, 1)},
+         size(1, 1)},
         {"position succeeds with no value",
          {accessibility_error::success, std::nullopt},
-         sizeReading(1, 1)},
-        {"size is a string", pointReading(10, 20), success({std::string("800x600")})},
-        {"position is a number", success({3.0}), sizeReading(1, 1)},
-        {"position is a size value", sizeReading(10, 20), sizeReading(1, 1)},
-        {"size is a point value", pointReading(10, 20), pointReading(1, 1)},
+         size(1, 1)},
+        {"size is a string", point(10, 20), success({std::string("800x600")})},
+        {"position is a number", success({3.0}), size(1, 1)},
+        {"position is a size value", size(10, 20), size(1, 1)},
+        {"size is a point value", point(10, 20), point(1, 1)},
     };
     for (const auto& each : cases) {
         SCOPED_TRACE(each.name);
-        FakeAccessibility accessibility;
-        accessibility.readings["AXPosition"] = each.position;
-        accessibility.readings["AXSize"] = each.size;
-        EXPECT_EQ(element(1, 1).readScreenFrame(accessibility), std::nullopt);
+        EXPECT_EQ(element(1, 1).readScreenFrame(FixedAccessibility(each.position, each.size)),
+                  std::nullopt);
     }
-    FakeAccessibility accessibility;
-    accessibility.readings["AXPosition"] = pointReading(10, 20);
-    accessibility.readings["AXSize"] = sizeReading(1, 1);
-    EXPECT_EQ(AccessibilityWindowElement(nullptr).readScreenFrame(accessibility), std::nullopt);
-}
-
-SwitchableWindow record(WindowIdentifier identifier, std::string title, double focusedAt) {
-    SwitchableWindow window;
-    window.windowIdentifier = identifier;
-    window.owningProcessIdentifier = 1;
-    window.windowTitle = std::move(title);
-    window.lastFocusedTimestamp = Date{focusedAt};
-    return window;
+    EXPECT_EQ(AccessibilityWindowElement(nullptr).readScreenFrame(
+                  FixedAccessibility(point(10, 20), size(1, 1))),
+              std::nullopt);
 }
 
 TEST(SwitchableWindowIdentity, TheWindowIdentifierAloneDecides) {
-    const auto before = record(9, "Draft", 100);
-    auto after = record(9, "Draft — edited", 200);
+    SwitchableWindow before;
+    before.windowIdentifier = 9;
+    before.windowTitle = "Draft";
+    auto after = before;
+    after.windowTitle = "Draft — edited";
+    after.lastFocusedTimestamp = Date{200};
     after.isMinimized = true;
     EXPECT_TRUE(before == after);
     EXPECT_EQ(std::hash<SwitchableWindow>{}(before), std::hash<SwitchableWindow>{}(after));
     EXPECT_EQ((std::unordered_set<SwitchableWindow>{before, after}.size()), 1u);
-    EXPECT_FALSE(before == record(10, "Draft", 100));
+    auto other = before;
+    other.windowIdentifier = 10;
+    EXPECT_FALSE(before == other);
 }
 
 }  // namespace

@@ -1,53 +1,38 @@
 #include <gtest/gtest.h>
 
+#include <ostream>
 #include <string>
 #include <vector>
 
 #include "core/SwitcherInteractionStateMachine.h"
 
 namespace orvane {
+
+// Internal linkage: other test files of this executable may print actions their own way.
+static void PrintTo(const SwitcherInteractionAction& action, std::ostream* out) {
+    *out << "kind=" << static_cast<int>(action.kind) << " backward=" << action.backward
+         << " delta=" << action.delta << " direction=" << static_cast<int>(action.direction);
+}
+
 namespace {
 
 using State = SwitcherInteractionStateMachine::State;
 using Input = SwitcherInteractionInput;
 using Action = SwitcherInteractionAction;
+using Kind = Action::Kind;
 using Direction = SwitcherSelectionDirection;
 
-Action none() {
-    return {};
-}
+const Action none{};
+const Action commit{.kind = Kind::commit};
+const Action cancel{.kind = Kind::cancel};
 Action start(bool backward) {
-    return {.kind = Action::Kind::startSession, .backward = backward};
+    return {.kind = Kind::startSession, .backward = backward};
 }
 Action startSame(bool backward) {
-    return {.kind = Action::Kind::startSameApplicationSession, .backward = backward};
+    return {.kind = Kind::startSameApplicationSession, .backward = backward};
 }
 Action moveBy(std::ptrdiff_t delta) {
-    return {.kind = Action::Kind::moveSelectionByDelta, .delta = delta};
-}
-Action moveIn(Direction direction) {
-    return {.kind = Action::Kind::moveSelectionInDirection, .direction = direction};
-}
-Action commit() {
-    return {.kind = Action::Kind::commit};
-}
-Action cancel() {
-    return {.kind = Action::Kind::cancel};
-}
-
-std::string describe(const Input& input) {
-    static const char* const kinds[] = {"trigger",  "sameAppTrigger", "direction",
-                                        "holdDown", "holdUp",         "escape"};
-    return std::string(kinds[static_cast<int>(input.kind)]) +
-           " reversed=" + std::to_string(input.reversed) +
-           " direction=" + std::to_string(static_cast<int>(input.direction));
-}
-
-std::string describe(const Action& action) {
-    return "kind=" + std::to_string(static_cast<int>(action.kind)) +
-           " backward=" + std::to_string(action.backward) +
-           " delta=" + std::to_string(action.delta) +
-           " direction=" + std::to_string(static_cast<int>(action.direction));
+    return {.kind = Kind::moveSelectionByDelta, .delta = delta};
 }
 
 struct Transition {
@@ -58,52 +43,49 @@ struct Transition {
     bool consumes;
 };
 
-constexpr Direction allDirections[] = {Direction::left, Direction::right, Direction::up,
-                                       Direction::down};
-
 std::vector<Transition> transitionTable() {
     std::vector<Transition> table;
     for (bool reversed : {false, true}) {
-        table.push_back({State::idle, Input::triggerPressed(reversed), State::idle, none(), false});
-        table.push_back({State::idle, Input::sameApplicationTriggerPressed(reversed), State::idle,
-                         none(), false});
-        for (State waiting : {State::armed, State::sessionCancelled}) {
-            table.push_back({waiting, Input::triggerPressed(reversed), State::sessionActive,
-                             start(reversed), true});
-            table.push_back({waiting, Input::sameApplicationTriggerPressed(reversed),
-                             State::sessionActive, startSame(reversed), true});
+        for (auto trigger :
+             {Input::triggerPressed(reversed), Input::sameApplicationTriggerPressed(reversed)}) {
+            const bool same = trigger.kind == Input::Kind::sameApplicationTriggerPressed;
+            table.push_back({State::idle, trigger, State::idle, none, false});
+            for (State waiting : {State::armed, State::sessionCancelled}) {
+                table.push_back({waiting, trigger, State::sessionActive,
+                                 same ? startSame(reversed) : start(reversed), true});
+            }
+            table.push_back({State::sessionActive, trigger, State::sessionActive,
+                             moveBy(reversed ? -1 : +1), true});
         }
-        table.push_back({State::sessionActive, Input::triggerPressed(reversed),
-                         State::sessionActive, moveBy(reversed ? -1 : +1), true});
-        table.push_back({State::sessionActive, Input::sameApplicationTriggerPressed(reversed),
-                         State::sessionActive, moveBy(reversed ? -1 : +1), true});
     }
-    for (Direction direction : allDirections) {
+    for (Direction direction :
+         {Direction::left, Direction::right, Direction::up, Direction::down}) {
         for (State passive : {State::idle, State::armed, State::sessionCancelled}) {
-            table.push_back({passive, Input::directionPressed(direction), passive, none(), false});
+            table.push_back({passive, Input::directionPressed(direction), passive, none, false});
         }
-        table.push_back({State::sessionActive, Input::directionPressed(direction),
-                         State::sessionActive, moveIn(direction), true});
+        table.push_back({State::sessionActive,
+                         Input::directionPressed(direction),
+                         State::sessionActive,
+                         {.kind = Kind::moveSelectionInDirection, .direction = direction},
+                         true});
     }
-    table.insert(
-        table.end(),
-        {
-            {State::idle, Input::holdModifierPressed(), State::armed, none(), false},
-            {State::idle, Input::holdModifierReleased(), State::idle, none(), false},
-            {State::idle, Input::escapePressed(), State::idle, none(), false},
-            {State::armed, Input::holdModifierPressed(), State::armed, none(), false},
-            {State::armed, Input::holdModifierReleased(), State::idle, none(), false},
-            {State::armed, Input::escapePressed(), State::armed, none(), false},
-            {State::sessionActive, Input::holdModifierPressed(), State::sessionActive, none(),
-             false},
-            {State::sessionActive, Input::holdModifierReleased(), State::idle, commit(), false},
-            {State::sessionActive, Input::escapePressed(), State::sessionCancelled, cancel(), true},
-            {State::sessionCancelled, Input::holdModifierPressed(), State::sessionCancelled, none(),
-             false},
-            {State::sessionCancelled, Input::holdModifierReleased(), State::idle, none(), false},
-            {State::sessionCancelled, Input::escapePressed(), State::sessionCancelled, none(),
-             false},
-        });
+    const auto down = Input::holdModifierPressed(), up = Input::holdModifierReleased(),
+               escape = Input::escapePressed();
+    table.insert(table.end(),
+                 {
+                     {State::idle, down, State::armed, none, false},
+                     {State::idle, up, State::idle, none, false},
+                     {State::idle, escape, State::idle, none, false},
+                     {State::armed, down, State::armed, none, false},
+                     {State::armed, up, State::idle, none, false},
+                     {State::armed, escape, State::armed, none, false},
+                     {State::sessionActive, down, State::sessionActive, none, false},
+                     {State::sessionActive, up, State::idle, commit, false},
+                     {State::sessionActive, escape, State::sessionCancelled, cancel, true},
+                     {State::sessionCancelled, down, State::sessionCancelled, none, false},
+                     {State::sessionCancelled, up, State::idle, none, false},
+                     {State::sessionCancelled, escape, State::sessionCancelled, none, false},
+                 });
     return table;
 }
 
@@ -112,69 +94,41 @@ TEST(SwitcherInteractionStateMachine, EveryStateAndInputGivesTheTabledTransition
     // 4 states x (2 triggers x 2 reversals + 4 directions + hold down, hold up, Escape).
     ASSERT_EQ(table.size(), 4u * 11u);
     for (const auto& row : table) {
-        SCOPED_TRACE(std::string(switcherInteractionStateName(row.from)) + " + " +
-                     describe(row.input));
+        SCOPED_TRACE(testing::Message()
+                     << switcherInteractionStateName(row.from) << " + input "
+                     << static_cast<int>(row.input.kind) << " reversed " << row.input.reversed
+                     << " direction " << static_cast<int>(row.input.direction));
         SwitcherInteractionStateMachine machine{row.from};
         const auto result = machine.handle(row.input);
         EXPECT_STREQ(switcherInteractionStateName(machine.state),
                      switcherInteractionStateName(row.to));
-        EXPECT_EQ(describe(result.action), describe(row.action));
+        EXPECT_EQ(result.action, row.action);
         EXPECT_EQ(result.consumesEvent, row.consumes);
     }
 }
 
-// Feeds inputs from idle and keeps every action that is not `none`.
-std::vector<std::string> run(SwitcherInteractionStateMachine& machine,
-                             const std::vector<Input>& inputs) {
-    std::vector<std::string> actions;
-    for (const auto& input : inputs) {
-        const auto result = machine.handle(input);
-        if (result.action.kind != Action::Kind::none) {
-            actions.push_back(describe(result.action));
+// From idle, the actions other than `none` that a run of inputs gives; every run ends idle.
+TEST(SwitcherInteractionStateMachine, GesturesFromIdleGiveTheirActionsInOrder) {
+    const auto hold = Input::holdModifierPressed(), release = Input::holdModifierReleased(),
+               escape = Input::escapePressed(), tap = Input::triggerPressed(false);
+    const std::pair<std::vector<Input>, std::vector<Action>> runs[] = {
+        {{hold, tap, tap, release}, {start(false), moveBy(+1), commit}},
+        {{hold, release}, {}},
+        {{hold, tap, escape, Input::triggerPressed(true), release},
+         {start(false), cancel, start(true), commit}},
+        {{hold, tap, escape, release}, {start(false), cancel}},
+    };
+    for (const auto& [inputs, expected] : runs) {
+        SwitcherInteractionStateMachine machine;
+        std::vector<Action> actions;
+        for (const auto& input : inputs) {
+            if (const auto result = machine.handle(input); result.action.kind != Kind::none) {
+                actions.push_back(result.action);
+            }
         }
+        EXPECT_EQ(actions, expected);
+        EXPECT_EQ(machine.state, State::idle);
     }
-    return actions;
-}
-
-TEST(SwitcherInteractionStateMachineSequence, HoldTapTapReleaseStartsStepsAndCommits) {
-    SwitcherInteractionStateMachine machine;
-    EXPECT_EQ(run(machine, {Input::holdModifierPressed(), Input::triggerPressed(false),
-                            Input::triggerPressed(false), Input::holdModifierReleased()}),
-              (std::vector{describe(start(false)), describe(moveBy(+1)), describe(commit())}));
-    EXPECT_EQ(machine.state, State::idle);
-}
-
-TEST(SwitcherInteractionStateMachineSequence, HoldAndReleaseWithoutTriggerDoesNothing) {
-    SwitcherInteractionStateMachine machine;
-    EXPECT_TRUE(
-        run(machine, {Input::holdModifierPressed(), Input::holdModifierReleased()}).empty());
-    EXPECT_EQ(machine.state, State::idle);
-}
-
-TEST(SwitcherInteractionStateMachineSequence, TriggerAfterEscapeStartsANewSessionThatCommits) {
-    SwitcherInteractionStateMachine machine;
-    EXPECT_EQ(run(machine, {Input::holdModifierPressed(), Input::triggerPressed(false),
-                            Input::escapePressed(), Input::triggerPressed(true),
-                            Input::holdModifierReleased()}),
-              (std::vector{describe(start(false)), describe(cancel()), describe(start(true)),
-                           describe(commit())}));
-    EXPECT_EQ(machine.state, State::idle);
-}
-
-TEST(SwitcherInteractionStateMachineSequence, ReleaseAfterEscapeCommitsNothing) {
-    SwitcherInteractionStateMachine machine;
-    EXPECT_EQ(run(machine, {Input::holdModifierPressed(), Input::triggerPressed(false),
-                            Input::escapePressed(), Input::holdModifierReleased()}),
-              (std::vector{describe(start(false)), describe(cancel())}));
-    EXPECT_EQ(machine.state, State::idle);
-}
-
-TEST(SwitcherInteractionStateMachineSequence, SecondEscapeIsNeitherCancelledNorSwallowed) {
-    SwitcherInteractionStateMachine machine;
-    run(machine, {Input::holdModifierPressed(), Input::triggerPressed(false)});
-    EXPECT_EQ(machine.handle(Input::escapePressed()), (SwitcherInteractionResult{cancel(), true}));
-    EXPECT_EQ(machine.handle(Input::escapePressed()), (SwitcherInteractionResult{none(), false}));
-    EXPECT_EQ(machine.state, State::sessionCancelled);
 }
 
 }  // namespace

@@ -5,10 +5,12 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <variant>
 #include <vector>
 
 #include "core/ScopedLogCapture.h"
 #include "core/SwitcherSessionCoordinator.h"
+#include "support/SimulatedDesktopBuilders.h"
 
 namespace orvane {
 namespace {
@@ -20,14 +22,6 @@ SwitchableWindow window(WindowIdentifier identifier, ProcessIdentifier process =
     result.windowIdentifier = identifier;
     result.owningProcessIdentifier = process;
     result.windowTitle = "window " + std::to_string(identifier);
-    return result;
-}
-
-Ids identifiers(const std::vector<SwitchableWindow>& windows) {
-    Ids result;
-    for (const auto& each : windows) {
-        result.push_back(each.windowIdentifier);
-    }
     return result;
 }
 
@@ -56,7 +50,7 @@ class Collaborators final : public WindowEnumerationService,
     void presentSwitcher(const std::vector<SwitchableWindow>& windows,
                          std::ptrdiff_t selectedIndex) override {
         std::string shown = "present";
-        for (auto identifier : identifiers(windows)) {
+        for (auto identifier : windowIdentifiers(windows)) {
             shown += " " + std::to_string(identifier);
         }
         note(shown + " @" + std::to_string(selectedIndex));
@@ -99,12 +93,15 @@ class SwitcherSessionCoordinatorTest : public ::testing::Test {
 };
 
 // Forward starts on the previous window, so a plain tap goes back to it; backward on the last.
+// Left and up step back, right and down forward.
 TEST_F(SwitcherSessionCoordinatorTest, StartSelectsThePreviousOrTheLastAndStepsWrapBothWays) {
+    using Direction = SwitcherSelectionDirection;
     struct Case {
         Ids windows;
         bool backward;
-        std::vector<std::ptrdiff_t> deltas;
+        std::vector<std::variant<std::ptrdiff_t, Direction>> steps;
         std::string calls;
+        std::ptrdiff_t selected = 0;
     };
     const Case cases[] = {
         {{1}, false, {+1}, "enumerate, present 1 @0, select 0"},
@@ -114,30 +111,24 @@ TEST_F(SwitcherSessionCoordinatorTest, StartSelectsThePreviousOrTheLastAndStepsW
          true,
          {+1, -1, -1, -8, +7},
          "enumerate, present 1 2 3 @2, select 0, select 2, select 1, select 2, select 0"},
+        {{1, 2, 3, 4, 5},
+         false,
+         {Direction::left, Direction::up, Direction::right, Direction::down},
+         "enumerate, present 1 2 3 4 5 @1, select 0, select 4, select 0, select 1",
+         1},
     };
     for (const auto& testCase : cases) {
         SCOPED_TRACE(testCase.calls);
         enumerate(testCase.windows);
         ASSERT_TRUE(coordinator.startSession(testCase.backward));
-        for (auto delta : testCase.deltas) {
-            coordinator.moveSelection(delta);
+        for (const auto& step : testCase.steps) {
+            std::visit([&](auto by) { coordinator.moveSelection(by); }, step);
         }
         EXPECT_EQ(fakes->take(), testCase.calls);
-        EXPECT_EQ(coordinator.selectedIndex(), 0);
+        EXPECT_EQ(coordinator.selectedIndex(), testCase.selected);
         coordinator.cancelSession();
         fakes->take();
     }
-}
-
-TEST_F(SwitcherSessionCoordinatorTest, DirectionsStepLeftAndUpBackRightAndDownForward) {
-    enumerate({1, 2, 3, 4, 5});
-    ASSERT_TRUE(coordinator.startSession(false));
-    for (auto direction : {SwitcherSelectionDirection::left, SwitcherSelectionDirection::up,
-                           SwitcherSelectionDirection::right, SwitcherSelectionDirection::down}) {
-        coordinator.moveSelection(direction);
-    }
-    EXPECT_EQ(fakes->take(),
-              "enumerate, present 1 2 3 4 5 @1, select 0, select 4, select 0, select 1");
 }
 
 TEST_F(SwitcherSessionCoordinatorTest, StartDuringASessionKeepsItUntouched) {
@@ -188,8 +179,8 @@ TEST_F(SwitcherSessionCoordinatorTest, SameApplicationFiltersTheOrderedListKeepi
     frontmost = 2;
     ASSERT_TRUE(coordinator.startSameApplicationSession(false));
     EXPECT_EQ(fakes->take(), "enumerate, present 13 11 @1");
-    EXPECT_EQ(identifiers(coordinator.sessionWindows()), (Ids{13, 11}));
-    EXPECT_EQ(identifiers(fakes->lastOrdered), (Ids{10, 11, 12, 13}));
+    EXPECT_EQ(windowIdentifiers(coordinator.sessionWindows()), (Ids{13, 11}));
+    EXPECT_EQ(windowIdentifiers(fakes->lastOrdered), (Ids{10, 11, 12, 13}));
 }
 
 // The overlay is gone before anything comes forward; once a session ends, nothing acts on it.

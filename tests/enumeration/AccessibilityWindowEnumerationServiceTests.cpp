@@ -8,14 +8,14 @@
 #include <optional>
 #include <sstream>
 #include <string>
-#include <utility>
 #include <vector>
 
-#include "core/ScopedLogCapture.h"
 #include "enumeration/AccessibilityWindowEnumerationService.h"
 #include "platform/simulated/SimulatedAccessibilityElement.h"
 #include "platform/simulated/SimulatedDesktop.h"
 #include "support/ForwardingAccessibilityPort.h"
+#include "support/SimulatedDesktopBuilders.h"
+#include "support/TakeLog.h"
 
 namespace orvane {
 namespace {
@@ -51,45 +51,24 @@ std::string skipped(WindowIdentifier window, ProcessIdentifier process, const st
     return "debug: Skipped window " + std::to_string(window) + " of process " +
            std::to_string(process) + ": " + why;
 }
-std::string unreadable(ProcessIdentifier process, AccessibilityError error) {
-    return "debug: Process " + std::to_string(process) +
-           " exposed no readable Accessibility windows (AXError " + std::to_string(error) + ")";
-}
-
-Ids identifiers(const std::vector<SwitchableWindow>& windows) {
-    Ids result;
-    for (const auto& shown : windows) {
-        result.push_back(shown.windowIdentifier);
-    }
-    return result;
-}
-
-RunningApplication running(ProcessIdentifier process, OptionalText name) {
-    RunningApplication application;
-    application.processIdentifier = process;
-    application.localizedName = std::move(name);
-    return application;
-}
 
 // A simulated desktop, the enumeration log, and the service over the desktop's ports, any of
 // which a test may swap for its own.
 struct Harness {
     std::shared_ptr<SimulatedDesktop> desktop = SimulatedDesktop::make(ownProcess);
     ScopedLogCapture capture;
-    std::shared_ptr<WindowListPort> windowList;
-    std::shared_ptr<AccessibilityPort> accessibility;
-    std::shared_ptr<WorkspacePort> workspace;
+    std::shared_ptr<WindowListPort> windowList = desktop->windowListPort();
+    std::shared_ptr<AccessibilityPort> accessibility = desktop->accessibilityPort();
+    std::shared_ptr<WorkspacePort> workspace = desktop->workspacePort();
 
     void launch(ProcessIdentifier process, OptionalText name, SimulatedApplication launched = {}) {
-        launched.runningApplication = running(process, std::move(name));
+        launched.runningApplication = simulatedApplication(process, name).runningApplication;
         ASSERT_TRUE(desktop->launchApplication(std::move(launched)));
     }
     // Frames far enough apart that no two windows of a process pair by frame.
     void add(WindowIdentifier identifier, ProcessIdentifier process, OptionalText title,
              const std::function<void(SimulatedWindow&)>& change = {}) {
-        SimulatedWindow created;
-        created.windowIdentifier = identifier;
-        created.owningProcessIdentifier = process;
+        auto created = simulatedWindow(identifier, process);
         created.bounds = Rect{{40.0 * identifier, 20.0 * identifier}, {600, 400}};
         created.listTitle = std::move(title);
         if (change) {
@@ -97,49 +76,30 @@ struct Harness {
         }
         ASSERT_TRUE(desktop->createWindow(std::move(created)));
     }
-
     std::vector<SwitchableWindow> enumerate() {
-        return AccessibilityWindowEnumerationService(
-                   ownProcess, windowList ? windowList : desktop->windowListPort(),
-                   accessibility ? accessibility : desktop->accessibilityPort(),
-                   workspace ? workspace : desktop->workspacePort())
+        return AccessibilityWindowEnumerationService(ownProcess, windowList, accessibility,
+                                                     workspace)
             .enumerateSwitchableWindows();
     }
-
     double now() const { return desktop->runLoop().now().secondsSinceReferenceDate; }
     std::size_t accessibilityReads() const { return desktop->accessibility().attributeReadCount(); }
-
-    Lines lines() {
-        Lines result;
-        for (const auto& record : capture.sink().records()) {
-            if (record.category == LogCategory::windowenumeration) {
-                result.push_back((record.level == LogLevel::error  ? "error: "
-                                  : record.level == LogLevel::info ? "info: "
-                                                                   : "debug: ") +
-                                 record.message);
-            }
-        }
-        return result;
-    }
+    Lines lines() { return levelLines(capture.sink(), LogCategory::windowenumeration); }
 };
 
 // Answers each option mask with what it was given, and notes the masks asked for.
-class ScriptedWindowList final : public WindowListPort {
-  public:
+struct ScriptedWindowList final : WindowListPort {
     std::optional<PropertyListValue> copyWindowInfo(std::uint32_t options,
                                                     WindowIdentifier) override {
         requestedOptions.push_back(options);
         const auto found = answers.find(options);
         return found == answers.end() ? std::nullopt : std::optional(found->second);
     }
-
     std::map<std::uint32_t, PropertyListValue> answers;
     std::vector<std::uint32_t> requestedOptions;
 };
 
 // Knows only the applications it is given, and counts the questions per process.
-class ScriptedWorkspace final : public WorkspacePort {
-  public:
+struct ScriptedWorkspace final : WorkspacePort {
     std::vector<RunningApplication> runningApplications() const override { return {}; }
     std::optional<RunningApplication> runningApplication(ProcessIdentifier process) const override {
         ++lookups[process];
@@ -148,25 +108,13 @@ class ScriptedWorkspace final : public WorkspacePort {
     }
     std::optional<RunningApplication> frontmostApplication() const override { return {}; }
     bool activateApplication(ProcessIdentifier, unsigned) override { return false; }
-
     std::map<ProcessIdentifier, RunningApplication> applications;
     mutable std::map<ProcessIdentifier, int> lookups;
 };
 
-std::string describe(const AccessibilityElementHandle& element) {
-    const auto* simulated = dynamic_cast<const SimulatedAccessibilityElement*>(element.get());
-    if (simulated == nullptr) {
-        return "other element";
-    }
-    return simulated->isApplication()
-               ? "application " + std::to_string(simulated->processIdentifier())
-               : "window " + std::to_string(simulated->windowIdentifier());
-}
-
-// Notes per element what was asked of it first, and slips a text and a null element into
-// every "AXWindows" array.
-class RecordingAccessibility final : public ForwardingAccessibilityPort {
-  public:
+// Notes per element ("application 200", "window 11") what was asked of it first, and slips a
+// text and a null element into every "AXWindows" array.
+struct RecordingAccessibility final : ForwardingAccessibilityPort {
     using ForwardingAccessibilityPort::ForwardingAccessibilityPort;
 
     AttributeReading copyAttributeValue(const AccessibilityElementHandle& element,
@@ -186,6 +134,12 @@ class RecordingAccessibility final : public ForwardingAccessibilityPort {
                                            float seconds) override {
         firstCalls.try_emplace(describe(element), "timeout " + std::to_string(seconds));
         return inner_->setMessagingTimeout(element, seconds);
+    }
+    static std::string describe(const AccessibilityElementHandle& element) {
+        const auto& simulated = dynamic_cast<const SimulatedAccessibilityElement&>(*element);
+        return simulated.isApplication()
+                   ? "application " + std::to_string(simulated.processIdentifier())
+                   : "window " + std::to_string(simulated.windowIdentifier());
     }
 
     mutable std::map<std::string, std::string> firstCalls;
@@ -227,29 +181,23 @@ TEST(AccessibilityWindowEnumerationServiceTests, MergesBothListsOnScreenFirstAnd
         for (auto [options, answer] :
              {std::pair{17u, testCase.onScreen}, std::pair{16u, testCase.full}}) {
             auto items = *harness.desktop->windowList().copyWindowInfo(options, 0)->array();
-            switch (answer) {
-                case nothing:
-                    continue;
-                case notAnArray:
-                    list->answers[options] = items.front();
-                    continue;
-                case nonDictionaryItem:
-                    items.emplace_back("not a dictionary");
-                    break;
-                case nonTextKey:
-                    std::get<Dictionary>(items.front().storage).emplace_back(5, "five");
-                    break;
-                case emptyArray:
-                    items.clear();
-                    break;
-                case real:
-                    break;
+            if (answer == nothing) {
+                continue;
+            } else if (answer == notAnArray) {
+                list->answers[options] = items.front();
+                continue;
+            } else if (answer == nonDictionaryItem) {
+                items.emplace_back("not a dictionary");
+            } else if (answer == nonTextKey) {
+                std::get<Dictionary>(items.front().storage).emplace_back(5, "five");
+            } else if (answer == emptyArray) {
+                items.clear();
             }
             list->answers[options] = PropertyListValue{items};
         }
         harness.windowList = list;
 
-        EXPECT_EQ(identifiers(harness.enumerate()), testCase.expected);
+        EXPECT_EQ(windowIdentifiers(harness.enumerate()), testCase.expected);
         EXPECT_EQ(harness.lines(), testCase.lines);
         EXPECT_THAT(list->requestedOptions, ElementsAre(17u, 16u));
         if (testCase.expected.empty()) {
@@ -369,10 +317,8 @@ TEST(AccessibilityWindowEnumerationServiceTests, FillsEachRecordFromBothViews) {
         window.wronglyTypedAttributes = {"AXPosition"};
     });
 
-    const auto windows = harness.enumerate();
-
     Lines shown;
-    for (const auto& window : windows) {
+    for (const auto& window : harness.enumerate()) {
         const Rect& frame = window.screenFrame;
         std::ostringstream line;
         line << window.windowIdentifier << " of " << window.owningProcessIdentifier << " \""
@@ -407,17 +353,18 @@ TEST(AccessibilityWindowEnumerationServiceTests, ProcessWithoutReadableWindowsLo
         bool windowsNotArray;
         double responseDelay;
         bool inAccessibilityTree;
-        Lines faultLines;
+        OptionalText faultLine;
         double secondsTaken;
     };
-    const Lines refused{unreadable(troubled, -25211)}, hung{unreadable(troubled, -25204)};
-    const Lines notArray{"debug: Process 400 returned a non-array Accessibility windows attribute"};
+    const std::string noWindows = "debug: Process 400 exposed no readable Accessibility windows ";
     const Case cases[] = {
-        {"refuses", accessibility_error::apiDisabled, false, 0, true, refused, 0},
-        {"answers a text", std::nullopt, true, 0, true, notArray, 0},
+        {"refuses", accessibility_error::apiDisabled, false, 0, true,
+         noWindows + "(AXError -25211)", 0},
+        {"answers a text", std::nullopt, true, 0, true,
+         "debug: Process 400 returned a non-array Accessibility windows attribute", 0},
         // Only its application element is asked, and gives up at the timeout.
-        {"hangs", std::nullopt, false, 10, true, hung, 0.25},
-        {"lists no windows", std::nullopt, false, 0, false, {}, 0},
+        {"hangs", std::nullopt, false, 10, true, noWindows + "(AXError -25204)", 0.25},
+        {"lists no windows", std::nullopt, false, 0, false, std::nullopt, 0},
     };
     for (const auto& testCase : cases) {
         SCOPED_TRACE(testCase.name);
@@ -436,11 +383,13 @@ TEST(AccessibilityWindowEnumerationServiceTests, ProcessWithoutReadableWindowsLo
         harness.add(42, troubled, std::nullopt, inTree);
         const double start = harness.now();
 
-        EXPECT_EQ(identifiers(harness.enumerate()), (Ids{11}));
+        EXPECT_EQ(windowIdentifiers(harness.enumerate()), (Ids{11}));
         EXPECT_EQ(harness.now() - start, testCase.secondsTaken);
-        Lines expected = testCase.faultLines;
-        expected.insert(expected.end(), {skipped(42, troubled, untitledUnpaired),
-                                         skipped(41, troubled, unpaired), listed(1, 3, 2)});
+        Lines expected{skipped(42, troubled, untitledUnpaired), skipped(41, troubled, unpaired),
+                       listed(1, 3, 2)};
+        if (testCase.faultLine) {
+            expected.insert(expected.begin(), *testCase.faultLine);
+        }
         EXPECT_EQ(harness.lines(), expected);
     }
 }
@@ -458,11 +407,11 @@ TEST(AccessibilityWindowEnumerationServiceTests, SetsTimeoutBeforeReadingOtherPr
     harness.add(12, editor, std::nullopt);
     // The browser's only entry is a menu, yet its tree is still read.
     harness.add(21, browser, "Menu", [](auto& window) { window.layer = 25; });
-    auto recording = std::make_shared<RecordingAccessibility>(harness.desktop->accessibilityPort());
+    auto recording = std::make_shared<RecordingAccessibility>(harness.accessibility);
     harness.accessibility = recording;
     const double start = harness.now();
 
-    EXPECT_EQ(identifiers(harness.enumerate()), (Ids{12, 11}));
+    EXPECT_EQ(windowIdentifiers(harness.enumerate()), (Ids{12, 11}));
 
     EXPECT_EQ(harness.now(), start);
     const std::string timeout = "timeout 0.250000";
@@ -501,13 +450,14 @@ TEST(AccessibilityWindowEnumerationServiceTests, NamesEachApplicationOncePerEnum
         harness.launch(testCase.process, testCase.ownerName);
         harness.add(testCase.process - 200, testCase.process, "Draft");
         if (testCase.running) {
-            workspace->applications[testCase.process] =
-                running(testCase.process, testCase.runningName);
+            auto& application = workspace->applications[testCase.process];
+            application.processIdentifier = testCase.process;
+            application.localizedName = testCase.runningName;
         }
     }
     harness.add(7, 201, "Second");
-    AccessibilityWindowEnumerationService service(ownProcess, harness.desktop->windowListPort(),
-                                                  harness.desktop->accessibilityPort(), workspace);
+    AccessibilityWindowEnumerationService service(ownProcess, harness.windowList,
+                                                  harness.accessibility, workspace);
     const auto names = [&] {
         std::vector<std::string> result;
         for (const auto& window : service.enumerateSwitchableWindows()) {

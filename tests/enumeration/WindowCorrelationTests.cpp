@@ -143,76 +143,93 @@ TEST(WindowCorrelation, FrameToleranceIsInclusiveOnEachComponentSeparately) {
               "1:5 |");
 }
 
-// The window list and the Accessibility tree often disagree on titles, e.g. a document's name
-// against its path; a lone frame match must not be second-guessed.
-TEST(WindowCorrelation, LoneFrameCandidatePairsWhateverItsTitle) {
-    EXPECT_EQ(
-        correlate({entry(10, editor, frameA, "Inbox"), entry(11, editor, frameC, "Inbox")},
-                  {{editor, {snapshot(1, frameB, "Inbox"), snapshot(2, frameA, "Drafts — Mail")}}}),
-        "10:2 11:1 |");
-}
-
-TEST(WindowCorrelation, SameFrameCandidatesAreToldApartByTitleWhateverTheirOrder) {
-    const std::vector<Entry> entries{entry(10, editor, frameA, "Beta"),
-                                     entry(11, editor, frameA, "Alpha")};
-    const Snapshot alpha = snapshot(1, frameA, "Alpha"), beta = snapshot(2, frameA, "Beta");
-    EXPECT_EQ(correlate(entries, {{editor, {alpha, beta}}}), "10:2 11:1 |");
-    EXPECT_EQ(correlate(entries, {{editor, {beta, alpha}}}), "10:2 11:1 |");
-    // Tolerance still decides who is a candidate: a title match outside it does not count.
-    EXPECT_EQ(
-        correlate({entry(10, editor, frameA, "Beta")},
-                  {{editor, {alpha, snapshot(3, frameC, "Beta"), snapshot(2, frameA, "Gamma")}}}),
-        "10:1 |");
-    // Of several candidates with the title, the first in list order.
-    EXPECT_EQ(
-        correlate(
-            {entry(10, editor, frameA, "Beta"), entry(11, editor, frameA, "Beta")},
-            {{editor, {alpha, beta, snapshot(3, frameA, "Beta"), snapshot(4, frameA, "Beta")}}}),
-        "10:2 11:3 |");
-}
-
-TEST(WindowCorrelation, SameFrameCandidatesWithoutDistinguishingTitlesPairInListOrder) {
+// A lone frame candidate pairs whatever its title: the two views often disagree on titles, e.g. a
+// document's name against its path. Of several candidates the title decides, up to canonical
+// equivalence, else list order. Without a frame candidate (a window being moved) a titled entry
+// pairs with any unconsumed snapshot of the title; an empty title is no title. Pairing never
+// crosses processes.
+TEST(WindowCorrelation, PairsByFrameThenByTitleWithinTheProcess) {
     struct Case {
         const char* what;
-        OptionalText entryTitle;
-        OptionalText snapshotTitle;
+        std::vector<Entry> entries;
+        Snapshots snapshots;
+        std::string expected;
     };
-    const Case cases[] = {
-        {"no titles anywhere", std::nullopt, std::nullopt},
-        {"equal titles", "Untitled", "Untitled"},
-        {"entry title matches no snapshot", "Report", std::nullopt},
-        {"empty entry title", "", "Report"},
+    const Snapshot alpha = snapshot(1, frameA, "Alpha"), beta = snapshot(2, frameA, "Beta");
+    const std::vector<Entry> twoAtA{entry(10, editor, frameA, "Beta"),
+                                    entry(11, editor, frameA, "Alpha")};
+    const std::vector<Entry> unpairable{entry(10, editor, frameA, "Doc"), entry(11, editor, frameA),
+                                        entry(12, editor, frameA, "")};
+    const std::string composed = "Caf\u00E9", decomposed = "Cafe\u0301";
+    const Rect moving{{0, 0}, {90, 90}};
+    const std::vector<Case> cases{
+        {"lone frame candidate",
+         {entry(10, editor, frameA, "Inbox"), entry(11, editor, frameC, "Inbox")},
+         {{editor, {snapshot(1, frameB, "Inbox"), snapshot(2, frameA, "Drafts — Mail")}}},
+         "10:2 11:1 |"},
+        {"titles decide", twoAtA, {{editor, {alpha, beta}}}, "10:2 11:1 |"},
+        {"titles decide in any order", twoAtA, {{editor, {beta, alpha}}}, "10:2 11:1 |"},
+        {"a title match outside the tolerance is no candidate",
+         {entry(10, editor, frameA, "Beta")},
+         {{editor, {alpha, snapshot(3, frameC, "Beta"), snapshot(2, frameA, "Gamma")}}},
+         "10:1 |"},
+        {"first candidate with the title",
+         {entry(10, editor, frameA, "Beta"), entry(11, editor, frameA, "Beta")},
+         {{editor, {alpha, beta, snapshot(3, frameA, "Beta"), snapshot(4, frameA, "Beta")}}},
+         "10:2 11:3 |"},
+        {"no titles anywhere",
+         {entry(10, editor, frameA), entry(11, editor, frameA), entry(12, editor, frameA)},
+         {{editor, {snapshot(1, frameA), snapshot(2, frameA)}}},
+         "10:1 11:2 | 12 untitled"},
+        {"equal titles",
+         {entry(10, editor, frameA, "Untitled"), entry(11, editor, frameA, "Untitled")},
+         {{editor, {snapshot(1, frameA, "Untitled"), snapshot(2, frameA, "Untitled")}}},
+         "10:1 11:2 |"},
+        {"entry title matches no snapshot",
+         {entry(10, editor, frameA, "Report"), entry(11, editor, frameA, "Report")},
+         {{editor, {snapshot(1, frameA), snapshot(2, frameA)}}},
+         "10:1 11:2 |"},
+        {"empty entry title, even against an empty one",
+         {entry(10, editor, frameA, ""), entry(11, editor, frameA, "")},
+         {{editor, {snapshot(1, frameA, "Report"), snapshot(2, frameA, "")}}},
+         "10:1 11:2 |"},
+        {"title without frame candidate",
+         {entry(10, editor, frameA, "Report"), entry(11, editor, frameA, "Report"),
+          entry(12, editor, moving, "Report"), entry(13, editor, moving, "Report"),
+          entry(14, editor, moving, "Notes"), entry(15, editor, moving, "Plan"),
+          entry(16, editor, moving), entry(17, editor, moving, "")},
+         {{editor,
+           {snapshot(1, frameB, "Notes"), snapshot(2, std::nullopt, "Report"),
+            snapshot(3, frameC, "Report"), snapshot(4, frameA, "Plan"),
+            snapshot(5, std::nullopt, ""), snapshot(6, frameB, "")}}},
+         "10:4 11:2 12:3 14:1 | 13 unpaired 15 unpaired 16 untitled 17 untitled"},
+        {"composed title against decomposed candidate",
+         {entry(10, editor, frameA, composed)},
+         {{editor, {snapshot(1, frameA, "Menu"), snapshot(2, frameA, decomposed)}}},
+         "10:2 |"},
+        {"decomposed title without frame candidate",
+         {entry(10, editor, frameA, decomposed)},
+         {{editor, {snapshot(1, frameB, composed)}}},
+         "10:1 |"},
+        {"case differs among candidates",
+         {entry(10, editor, frameA, "Notes")},
+         {{editor, {snapshot(1, frameA, "Menu"), snapshot(2, frameA, "notes")}}},
+         "10:1 |"},
+        {"case differs without frame candidate",
+         {entry(10, editor, frameA, "Notes")},
+         {{editor, {snapshot(1, frameB, "notes")}}},
+         " | 10 unpaired"},
+        {"no snapshots", unpairable, {}, " | 10 unpaired 11 untitled 12 untitled"},
+        {"empty snapshots", unpairable, {{editor, {}}}, " | 10 unpaired 11 untitled 12 untitled"},
+        {"another process's perfect match",
+         unpairable,
+         {{browser, {snapshot(1, frameA, "Doc"), snapshot(2, frameA), snapshot(3, frameA)}}},
+         " | 10 unpaired 11 untitled 12 untitled"},
     };
     for (const auto& testCase : cases) {
         SCOPED_TRACE(testCase.what);
-        EXPECT_EQ(correlate({entry(10, editor, frameA, testCase.entryTitle),
-                             entry(11, editor, frameA, testCase.entryTitle)},
-                            {{editor,
-                              {snapshot(1, frameA, testCase.snapshotTitle),
-                               snapshot(2, frameA, testCase.snapshotTitle)}}}),
-                  "10:1 11:2 |");
+        EXPECT_EQ(correlate(testCase.entries, testCase.snapshots), testCase.expected);
     }
-    EXPECT_EQ(
-        correlate({entry(10, editor, frameA), entry(11, editor, frameA), entry(12, editor, frameA)},
-                  {{editor, {snapshot(1, frameA), snapshot(2, frameA)}}}),
-        "10:1 11:2 | 12 untitled");
-}
-
-// While a window is being moved or resized the two views disagree on its frame; its title may
-// still pair it, with any unconsumed snapshot of the process, framed or not. An empty title is
-// no title, even against an empty snapshot title.
-TEST(WindowCorrelation, WithoutFrameCandidateATitledEntryPairsByTitle) {
-    const Rect moving{{0, 0}, {90, 90}};
-    const Snapshots snapshots{{editor,
-                               {snapshot(1, frameB, "Notes"), snapshot(2, std::nullopt, "Report"),
-                                snapshot(3, frameC, "Report"), snapshot(4, frameA, "Plan"),
-                                snapshot(5, std::nullopt, ""), snapshot(6, frameB, "")}}};
-    EXPECT_EQ(correlate({entry(10, editor, frameA, "Report"), entry(11, editor, frameA, "Report"),
-                         entry(12, editor, moving, "Report"), entry(13, editor, moving, "Report"),
-                         entry(14, editor, moving, "Notes"), entry(15, editor, moving, "Plan"),
-                         entry(16, editor, moving), entry(17, editor, moving, "")},
-                        snapshots),
-              "10:4 11:2 12:3 14:1 | 13 unpaired 15 unpaired 16 untitled 17 untitled");
 }
 
 TEST(WindowCorrelation, SubroleDecidesAfterPairingAndItsSnapshotStaysClaimed) {
@@ -235,19 +252,6 @@ TEST(WindowCorrelation, SubroleDecidesAfterPairingAndItsSnapshotStaysClaimed) {
     EXPECT_EQ(correlate({entry(10, editor, frameA, "Find"), entry(11, editor, frameB, "Find")},
                         {{editor, {snapshot(1, frameA, "Find", "AXDialog")}}}),
               " | 10 subrole 11 unpaired");
-}
-
-// Pairing never crosses processes, even when another process has a perfect match.
-TEST(WindowCorrelation, ProcessWithoutSnapshotsPairsNothing) {
-    const std::vector<Entry> entries{entry(10, editor, frameA, "Doc"), entry(11, editor, frameA),
-                                     entry(12, editor, frameA, "")};
-    const std::string expected = " | 10 unpaired 11 untitled 12 untitled";
-    EXPECT_EQ(correlate(entries, {}), expected);
-    EXPECT_EQ(correlate(entries, {{editor, {}}}), expected);
-    EXPECT_EQ(correlate(entries,
-                        {{browser,
-                          {snapshot(1, frameA, "Doc"), snapshot(2, frameA), snapshot(3, frameA)}}}),
-              expected);
 }
 
 TEST(WindowCorrelation, CorrelatedWindowResolvesTitleAndMinimizedState) {
@@ -278,23 +282,6 @@ TEST(WindowCorrelation, CorrelatedWindowResolvesTitleAndMinimizedState) {
                       {window, accessible, testCase.resolvedTitle, testCase.isMinimized}}));
         EXPECT_TRUE(result.excludedEntries.empty());
     }
-}
-
-TEST(WindowCorrelation, TitlesMatchUpToCanonicalEquivalenceOnly) {
-    const std::string composed = "Caf\u00E9", decomposed = "Cafe\u0301";
-    // Two frame candidates, so the title decides.
-    EXPECT_EQ(correlate({entry(10, editor, frameA, composed)},
-                        {{editor, {snapshot(1, frameA, "Menu"), snapshot(2, frameA, decomposed)}}}),
-              "10:2 |");
-    EXPECT_EQ(correlate({entry(10, editor, frameA, decomposed)},
-                        {{editor, {snapshot(1, frameB, composed)}}}),
-              "10:1 |");
-    EXPECT_EQ(correlate({entry(10, editor, frameA, "Notes")},
-                        {{editor, {snapshot(1, frameA, "Menu"), snapshot(2, frameA, "notes")}}}),
-              "10:1 |");
-    EXPECT_EQ(
-        correlate({entry(10, editor, frameA, "Notes")}, {{editor, {snapshot(1, frameB, "notes")}}}),
-        " | 10 unpaired");
 }
 
 TEST(WindowTitleComparison, ComparesByCanonicalEquivalence) {

@@ -16,6 +16,7 @@ namespace orvane {
 namespace {
 
 using State = SwitcherInteractionStateMachine::State;
+using enum SwitcherInteractionStateMachine::State;
 using Direction = SwitcherSelectionDirection;
 using Keys = std::set<EventKeyCode>;
 using namespace key_code;
@@ -77,10 +78,8 @@ class RecordingDrivers final : public SwitcherSessionDriving, public LauncherSes
     std::string calls;
 };
 
-class FakePreferencesProvider : public PreferencesProviding {
-  public:
+struct FakePreferencesProvider final : PreferencesProviding {
     SwitcherPreferences current;
-
     SwitcherPreferences preferences() const override { return current; }
     void setPreferences(const SwitcherPreferences& preferences) override { current = preferences; }
     ObservationToken observePreferences(std::function<void(const SwitcherPreferences&)>) override {
@@ -180,33 +179,36 @@ class GlobalShortcutInterceptorTest : public ::testing::Test {
     GlobalShortcutInterceptor interceptor_{drivers_, drivers_, preferences_};
 };
 
-TEST_F(GlobalShortcutInterceptorTest, OptionTabGestureStartsStepsAndCommitsOnRelease) {
-    play({
-        {modifiers(option), State::armed},
-        {tap(tab, option), State::sessionActive, swallows, "start"},
-        {tap(tab, option), State::sessionActive, swallows, "step +1"},
-        {modifiers(option | shift), State::sessionActive},
-        {tap(tab, option | shift), State::sessionActive, swallows, "step -1"},
-        {modifiers(option), State::sessionActive},
-        // Option-Space opens no launcher in a session: like any key without meaning there, it
-        // reaches nobody.
-        {tap(space, option), State::sessionActive, swallows},
-        {modifiers(noFlags), State::idle, passes, "commit"},
-    });
-}
-
-TEST_F(GlobalShortcutInterceptorTest, HeldTriggerStaysSwallowedAfterTheCommitUntilItsKeyUp) {
+TEST_F(GlobalShortcutInterceptorTest, GestureStartsStepsAndCommitsOrCancels) {
     constexpr KeyboardEventType mouseDown = 1;
     play({
-        {modifiers(option), State::armed},
-        {down(tab, option), State::sessionActive, swallows, "start"},
-        // Events of other types pass and change nothing.
-        {{mouseDown, tab}, State::sessionActive},
-        {modifiers(noFlags), State::idle, passes, "commit"},
-        {repeat(tab), State::idle, swallows},
-        {repeat(tab), State::idle, swallows},
-        {up(tab), State::idle},
-        {tap(tab), State::idle, passes},
+        {modifiers(option), armed},
+        {tap(tab, option), sessionActive, swallows, "start"},
+        {tap(tab, option), sessionActive, swallows, "step +1"},
+        {modifiers(option | shift), sessionActive},
+        {tap(tab, option | shift), sessionActive, swallows, "step -1"},
+        {modifiers(option), sessionActive},
+        // Option-Space opens no launcher in a session: like any key without meaning there, it
+        // reaches nobody.
+        {tap(space, option), sessionActive, swallows},
+        {modifiers(noFlags), idle, passes, "commit"},
+        // Escape cancels only a running session.
+        {modifiers(option), armed},
+        {tap(escape, option), armed, passes},
+        {tap(tab, option), sessionActive, swallows, "start"},
+        {tap(escape, option), sessionCancelled, swallows, "cancel"},
+        {tap(escape, option), sessionCancelled, passes},
+        {modifiers(noFlags), idle},
+        // A held trigger stays swallowed after the commit until its key-up; events of other
+        // types pass and change nothing.
+        {modifiers(option), armed},
+        {down(tab, option), sessionActive, swallows, "start"},
+        {{mouseDown, tab}, sessionActive},
+        {modifiers(noFlags), idle, passes, "commit"},
+        {repeat(tab), idle, swallows},
+        {repeat(tab), idle, swallows},
+        {up(tab), idle},
+        {tap(tab), idle, passes},
     });
 }
 
@@ -220,36 +222,33 @@ TEST_F(GlobalShortcutInterceptorTest, KeysOutsideAnyGesturePass) {
             EXPECT_FALSE(feed(up(keyCode, flags)));
         }
     }
-    EXPECT_EQ(interceptor_.interactionStateMachine().state, State::idle);
+    EXPECT_EQ(interceptor_.interactionStateMachine().state, idle);
     EXPECT_TRUE(consumed().empty());
     EXPECT_EQ(drivers_->takeCalls(), "");
 }
 
-TEST_F(GlobalShortcutInterceptorTest, EscapeCancelsOnlyARunningSession) {
-    play({
-        {modifiers(option), State::armed},
-        {tap(escape, option), State::armed, passes},
-        {tap(tab, option), State::sessionActive, swallows, "start"},
-        {tap(escape, option), State::sessionCancelled, swallows, "cancel"},
-        {tap(escape, option), State::sessionCancelled, passes},
-        {modifiers(noFlags), State::idle},
-    });
-}
-
-TEST_F(GlobalShortcutInterceptorTest, ConfiguredTriggerWinsOverTheFixedKeysFromTheNextEvent) {
+// The configured trigger wins over the fixed keys from the next event; Space as the trigger steps
+// a session but opens the launcher outside one.
+TEST_F(GlobalShortcutInterceptorTest, ConfiguredTriggerActsFromTheNextEvent) {
     const auto triggerOn = [this](EventKeyCode keyCode) {
         return [=, this] {
             preferences().shortcutConfiguration.triggerKeyCode = StoredKeyCode(keyCode);
         };
     };
     play({
-        {modifiers(option), State::armed},
-        {tap(escape, option), State::sessionActive, swallows, "start", triggerOn(escape)},
-        {tap(escape, option), State::sessionActive, swallows, "step +1"},
+        {modifiers(option), armed},
+        {tap(escape, option), sessionActive, swallows, "start", triggerOn(escape)},
+        {tap(escape, option), sessionActive, swallows, "step +1"},
         // Tab is an ordinary key now, meaningless in the session.
-        {tap(tab, option), State::sessionActive, swallows},
-        {tap(tab, option), State::sessionActive, swallows, "step +1", triggerOn(tab)},
-        {tap(escape, option), State::sessionCancelled, swallows, "cancel"},
+        {tap(tab, option), sessionActive, swallows},
+        {tap(tab, option), sessionActive, swallows, "step +1", triggerOn(tab)},
+        {tap(escape, option), sessionCancelled, swallows, "cancel"},
+        {modifiers(noFlags), idle},
+        {modifiers(option), armed, passes, "", triggerOn(space)},
+        {tap(space, option), armed, swallows, "open launcher"},
+        {tap(escape, option), armed, swallows, "close launcher"},
+        {tap(graveAccent, option), sessionActive, swallows, "start same application"},
+        {tap(space, option), sessionActive, swallows, "step +1"},
     });
 }
 
@@ -261,117 +260,87 @@ TEST_F(GlobalShortcutInterceptorTest, ArrowsStepOnlyASessionAndOtherKeysReachNob
         preferences().shortcutConfiguration.holdModifier = modifier;
         const std::pair<EventKeyCode, std::string> arrows[] = {
             {leftArrow, "left"}, {rightArrow, "right"}, {downArrow, "down"}, {upArrow, "up"}};
-        std::vector<Step> script{{modifiers(held), State::armed}};
+        std::vector<Step> script{{modifiers(held), armed}};
         for (const auto& [keyCode, direction] : arrows) {
-            script.push_back({tap(keyCode, held), State::armed, passes});
+            script.push_back({tap(keyCode, held), armed, passes});
         }
-        script.push_back({tap(tab, held), State::sessionActive, swallows, "start"});
+        script.push_back({tap(tab, held), sessionActive, swallows, "start"});
         for (const auto& [keyCode, direction] : arrows) {
-            script.push_back(
-                {tap(keyCode, held), State::sessionActive, swallows, "step " + direction});
+            script.push_back({tap(keyCode, held), sessionActive, swallows, "step " + direction});
         }
-        script.insert(script.end(),
-                      {{tap(keyA, held), State::sessionActive, held == option},
-                       {tap(keyQ, held | command), State::sessionActive, passes},
-                       {tap(escape, held), State::sessionCancelled, swallows, "cancel"},
-                       {modifiers(noFlags), State::idle}});
+        script.insert(script.end(), {{tap(keyA, held), sessionActive, held == option},
+                                     {tap(keyQ, held | command), sessionActive, passes},
+                                     {tap(escape, held), sessionCancelled, swallows, "cancel"},
+                                     {modifiers(noFlags), idle}});
         play(script);
     }
 }
 
-TEST_F(GlobalShortcutInterceptorTest, ReverseCyclingSettingActsOnTheNextTap) {
+// Each tap reads the settings anew. With nothing to switch to the tap is still swallowed, and the
+// next tap tries again.
+TEST_F(GlobalShortcutInterceptorTest, SettingsActOnTheNextTapAndAFailedStartStaysArmed) {
     const auto held = option | shift;
     const auto reverse = [this](bool enabled) {
         return [=, this] { preferences().reverseCyclingEnabled = enabled; };
     };
     play({
-        {modifiers(held), State::armed},
-        {tap(tab, held), State::sessionActive, swallows, "start backward"},
-        {tap(tab, held), State::sessionActive, swallows, "step +1", reverse(false)},
-        {tap(tab, held), State::sessionActive, swallows, "step -1", reverse(true)},
-        {modifiers(noFlags), State::idle, passes, "commit"},
-        {modifiers(held), State::armed},
-        {down(tab, held), State::sessionActive, swallows, "start", reverse(false)},
-    });
-}
-
-TEST_F(GlobalShortcutInterceptorTest, SameApplicationTriggerFollowsItsSettingAndTheModifier) {
-    preferences().sameApplicationCyclingEnabled = false;
-    play({
-        {modifiers(option), State::armed},
-        {tap(graveAccent, option), State::armed, passes},
-        {tap(tab, option), State::sessionActive, swallows, "start"},
-        {tap(graveAccent, option), State::sessionActive, swallows},
-        {tap(graveAccent, option), State::sessionActive, swallows, "step +1",
+        {modifiers(option), armed, passes, "",
+         [this] { preferences().sameApplicationCyclingEnabled = false; }},
+        {tap(graveAccent, option), armed, passes},
+        {tap(tab, option), sessionActive, swallows, "start"},
+        {tap(graveAccent, option), sessionActive, swallows},
+        {tap(graveAccent, option), sessionActive, swallows, "step +1",
          [this] { preferences().sameApplicationCyclingEnabled = true; }},
-        {modifiers(noFlags), State::idle, passes, "commit"},
+        {modifiers(noFlags), idle, passes, "commit"},
         // Without the hold modifier ` is an ordinary key.
-        {tap(graveAccent), State::idle, passes},
-        {modifiers(option | shift), State::armed},
-        {tap(graveAccent, option | shift), State::sessionActive, swallows,
+        {tap(graveAccent), idle, passes},
+        {modifiers(option | shift), armed},
+        {tap(graveAccent, option | shift), sessionActive, swallows,
          "start same application backward"},
-        {modifiers(noFlags), State::idle, passes, "commit"},
+        {modifiers(noFlags), idle, passes, "commit"},
+        {modifiers(option), armed, passes, "", [this] { drivers_->startsSucceed = false; }},
+        {tap(tab, option), armed, swallows, "start"},
+        {tap(tab, option), armed, swallows, "start"},
+        {tap(graveAccent, option), armed, swallows, "start same application"},
+        {modifiers(noFlags), idle, passes, "", [this] { drivers_->startsSucceed = true; }},
+        {modifiers(held), armed},
+        {tap(tab, held), sessionActive, swallows, "start backward"},
+        {tap(tab, held), sessionActive, swallows, "step +1", reverse(false)},
+        {tap(tab, held), sessionActive, swallows, "step -1", reverse(true)},
+        {modifiers(noFlags), idle, passes, "commit"},
+        {modifiers(held), armed},
+        {down(tab, held), sessionActive, swallows, "start", reverse(false)},
     });
 }
 
-// With nothing to switch to the tap is still swallowed, and the next tap tries again.
-TEST_F(GlobalShortcutInterceptorTest, FailedStartFallsBackToArmed) {
-    drivers_->startsSucceed = false;
+TEST_F(GlobalShortcutInterceptorTest, LauncherOpensOnceAndTakesKeysWhileTheMachineFollows) {
     play({
-        {modifiers(option), State::armed},
-        {tap(tab, option), State::armed, swallows, "start"},
-        {tap(tab, option), State::armed, swallows, "start"},
-        {tap(graveAccent, option), State::armed, swallows, "start same application"},
-        {modifiers(noFlags), State::idle},
-    });
-}
-
-TEST_F(GlobalShortcutInterceptorTest, SpaceAsTriggerStepsASessionButOpensTheLauncherOutsideOne) {
-    preferences().shortcutConfiguration.triggerKeyCode = space;
-    play({
-        {modifiers(option), State::armed},
-        {tap(space, option), State::armed, swallows, "open launcher"},
-        {tap(escape, option), State::armed, swallows, "close launcher"},
-        {tap(graveAccent, option), State::sessionActive, swallows, "start same application"},
-        {tap(space, option), State::sessionActive, swallows, "step +1"},
-    });
-}
-
-TEST_F(GlobalShortcutInterceptorTest, HeldOptionSpaceOpensTheLauncherOnceAndSwitchesNoMode) {
-    play({
-        {modifiers(option), State::armed},
-        {down(space, option), State::armed, swallows, "open launcher"},
+        {modifiers(option), armed},
+        {down(space, option), armed, swallows, "open launcher"},
         // Repeats at the launcher's Space row, even once it closed elsewhere, do nothing.
-        {repeat(space, option), State::armed, swallows},
-        {repeat(space, option), State::armed, swallows, "",
-         [this] { drivers_->launcherRuns = false; }},
-        {up(space, option), State::armed},
-        {tap(space, option), State::armed, swallows, "open launcher"},
-        {down(space, option), State::armed, swallows, "switch mode"},
-    });
-}
-
-TEST_F(GlobalShortcutInterceptorTest, OpenLauncherTakesKeysWhileTheMachineFollowsTheModifier) {
-    drivers_->launcherRuns = true;
-    play({
-        {modifiers(option), State::armed},
-        {tap(tab, option), State::armed, swallows, "launcher +1"},
-        {modifiers(noFlags), State::idle},
-        {modifiers(control), State::idle},
-        {tap(tab, control), State::idle, passes},
-        {tap(space, control), State::idle, passes},
-        {modifiers(noFlags), State::idle},
-        {down(tab), State::idle, swallows, "launcher +1"},
-        {repeat(tab, control), State::idle, passes},
-        {up(tab, control), State::idle},
+        {repeat(space, option), armed, swallows},
+        {repeat(space, option), armed, swallows, "", [this] { drivers_->launcherRuns = false; }},
+        {up(space, option), armed},
+        {tap(space, option), armed, swallows, "open launcher"},
+        {down(space, option), armed, swallows, "switch mode"},
+        {up(space, option), armed},
+        {tap(tab, option), armed, swallows, "launcher +1"},
+        {modifiers(noFlags), idle},
+        {modifiers(control), idle},
+        {tap(tab, control), idle, passes},
+        {tap(space, control), idle, passes},
+        {modifiers(noFlags), idle},
+        {down(tab), idle, swallows, "launcher +1"},
+        {repeat(tab, control), idle, passes},
+        {up(tab, control), idle},
         // Command-Space ends the launcher and still reaches whoever owns that shortcut.
-        {tap(space, command), State::idle, passes, "close launcher"},
+        {tap(space, command), idle, passes, "close launcher"},
         // The launcher opens again elsewhere.
-        {modifiers(noFlags), State::idle, passes, "", [this] { drivers_->launcherRuns = true; }},
-        {down(returnKey), State::idle, swallows, "launch"},
-        {repeat(returnKey), State::idle, swallows},
-        {up(returnKey), State::idle},
-        {tap(returnKey), State::idle, passes},
+        {modifiers(noFlags), idle, passes, "", [this] { drivers_->launcherRuns = true; }},
+        {down(returnKey), idle, swallows, "launch"},
+        {repeat(returnKey), idle, swallows},
+        {up(returnKey), idle},
+        {tap(returnKey), idle, passes},
     });
 }
 
@@ -421,27 +390,27 @@ TEST_F(GlobalShortcutInterceptorTest, LauncherRoutesEachKeyToItsCommandOrTheQuer
         EXPECT_TRUE(feed(up(route.keyCode, route.flags)));
         EXPECT_TRUE(consumed().empty());
     }
-    EXPECT_EQ(interceptor_.interactionStateMachine().state, State::idle);
+    EXPECT_EQ(interceptor_.interactionStateMachine().state, idle);
 }
 
 TEST_F(GlobalShortcutInterceptorTest, ModifierChangesThatKeepTheHoldModifierGiveNoInput) {
     play({
-        {modifiers(shift), State::idle},
-        {modifiers(shift | command), State::idle},
-        {modifiers(option | shift | command), State::armed},
-        {modifiers(option), State::armed},
-        {tap(tab, option), State::sessionActive, swallows, "start"},
-        {modifiers(option | control), State::sessionActive},
-        {modifiers(option), State::sessionActive},
-        {modifiers(noFlags), State::idle, passes, "commit"},
+        {modifiers(shift), idle},
+        {modifiers(shift | command), idle},
+        {modifiers(option | shift | command), armed},
+        {modifiers(option), armed},
+        {tap(tab, option), sessionActive, swallows, "start"},
+        {modifiers(option | control), sessionActive},
+        {modifiers(option), sessionActive},
+        {modifiers(noFlags), idle, passes, "commit"},
         // Under Control as the hold modifier, Option arms nothing, yet Option-Space still opens
         // the launcher.
-        {modifiers(option), State::idle, passes, "",
+        {modifiers(option), idle, passes, "",
          [this] {
              preferences().shortcutConfiguration.holdModifier = SwitcherHoldModifier::control;
          }},
-        {tap(space, option), State::idle, swallows, "open launcher"},
-        {modifiers(option | control), State::armed},
+        {tap(space, option), idle, swallows, "open launcher"},
+        {modifiers(option | control), armed},
     });
 }
 

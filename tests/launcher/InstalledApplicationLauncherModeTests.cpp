@@ -7,12 +7,12 @@
 #include <string>
 #include <vector>
 
-#include "core/ScopedLogCapture.h"
 #include "launcher/InstalledApplicationLauncherMode.h"
 #include "platform/simulated/SimulatedApplicationLauncher.h"
 #include "platform/simulated/SimulatedFileSystem.h"
 #include "platform/simulated/SimulatedRunLoop.h"
 #include "platform/simulated/SimulatedSound.h"
+#include "support/TakeLog.h"
 
 namespace orvane {
 namespace {
@@ -29,17 +29,6 @@ std::vector<std::string> fields(const std::vector<LauncherItem>& items,
                                 std::string LauncherItem::*field) {
     std::vector<std::string> result;
     std::ranges::transform(items, std::back_inserter(result), field);
-    return result;
-}
-
-// "level: message" for each launcher line.
-std::vector<std::string> launcherLines(const CapturingLogSink& sink) {
-    std::vector<std::string> result;
-    for (const auto& record : sink.records()) {
-        if (record.category == LogCategory::launcher) {
-            result.push_back(std::string(logLevelName(record.level)) + ": " + record.message);
-        }
-    }
     return result;
 }
 
@@ -111,7 +100,7 @@ TEST_F(InstalledApplicationLauncherModeTest,
                                       "/System/Applications/Utilities", std::nullopt}));
     EXPECT_EQ(items[3].subtitle, "/Users/orvane/Applications");
     EXPECT_EQ(items[4].icon.value().description, "icon of /Applications/Utilities/Terminal.app");
-    EXPECT_THAT(launcherLines(capture.sink()),
+    EXPECT_THAT(levelLines(capture.sink(), LogCategory::launcher),
                 ElementsAre("info: scanned 5 installed applications"));
 }
 
@@ -165,7 +154,7 @@ TEST_F(InstalledApplicationLauncherModeTest, CacheGoesStaleAtExactlyThirtySecond
             expectedLines.push_back("info: scanned " + std::to_string(count) +
                                     " installed applications");
         }
-        EXPECT_EQ(launcherLines(capture.sink()), expectedLines);
+        EXPECT_EQ(levelLines(capture.sink(), LogCategory::launcher), expectedLines);
     }
 }
 
@@ -186,7 +175,7 @@ TEST_F(InstalledApplicationLauncherModeTest, MissingHomeOrUnreadableFolderCounts
         EXPECT_THAT(fields(mode().items(""), &LauncherItem::identifier),
                     ElementsAre("/System/Applications/Notes.app"));
         EXPECT_EQ(fileSystem->listedDirectories(), expected);
-        EXPECT_THAT(launcherLines(capture.sink()),
+        EXPECT_THAT(levelLines(capture.sink(), LogCategory::launcher),
                     ElementsAre("info: scanned 1 installed applications"));
     }
 }
@@ -206,17 +195,17 @@ TEST_F(InstalledApplicationLauncherModeTest, LaunchFailureLogsAndBeepsOnceOnTheR
 
         mode().activate(items.at(0));
         // The outcome arrives later, never inside the call.
-        EXPECT_THAT(launcherLines(capture.sink()), ElementsAre(launching));
+        EXPECT_THAT(levelLines(capture.sink(), LogCategory::launcher), ElementsAre(launching));
         // Queued behind the completion, so it runs before the beep the completion hands over.
         std::vector<std::string> linesBeforeBeep;
         runLoop->post([&] {
-            linesBeforeBeep = launcherLines(capture.sink());
+            linesBeforeBeep = levelLines(capture.sink(), LogCategory::launcher);
             EXPECT_EQ(sound->beepCount(), 0u);
         });
         runLoop->advance(60);
         const auto expected = failure ? std::vector{launching, failed} : std::vector{launching};
         EXPECT_EQ(linesBeforeBeep, expected);
-        EXPECT_EQ(launcherLines(capture.sink()), expected);
+        EXPECT_EQ(levelLines(capture.sink(), LogCategory::launcher), expected);
         EXPECT_EQ(sound->beepCount(), failure ? 1u : 0u);
         EXPECT_THAT(launcher->launchedPaths(), ElementsAre(path));  // no retry
     }

@@ -83,8 +83,10 @@ class LauncherSessionCoordinatorTest : public ::testing::Test {
     LauncherSessionCoordinator coordinator{windows, applications, overlay};
 };
 
-TEST_F(LauncherSessionCoordinatorTest, BeginShowsTheFirstEightWindowsUnfiltered) {
+// A second begin during the session neither clears, nor logs, nor publishes.
+TEST_F(LauncherSessionCoordinatorTest, BeginShowsTheFirstEightWindowsUnfilteredOnce) {
     EXPECT_CALL(*windows, items(""));
+    EXPECT_CALL(*windows, items("sa"));
     EXPECT_CALL(*applications, items(_)).Times(0);
     coordinator.beginLauncherSession();
 
@@ -93,16 +95,9 @@ TEST_F(LauncherSessionCoordinatorTest, BeginShowsTheFirstEightWindowsUnfiltered)
     const LauncherOverlayPresentation expected{"Windows", "Search windows", "",
                                                firstEight(windowItems), 0};
     EXPECT_EQ(published, std::vector{expected});
-    EXPECT_EQ(capture.sink().messages(LogCategory::launcher),
-              std::vector<std::string>{"launcher session began"});
-}
-
-TEST_F(LauncherSessionCoordinatorTest, BeginDuringASessionNeitherClearsNorLogsNorPublishes) {
-    coordinator.beginLauncherSession();
     coordinator.appendToSearchQuery("sa");
     coordinator.moveLauncherSelection(3);
     published.clear();
-    EXPECT_CALL(*windows, items(_)).Times(0);
     coordinator.beginLauncherSession();
     EXPECT_EQ(coordinator.searchQuery(), "sa");
     EXPECT_EQ(coordinator.selectedIndex(), 3);
@@ -171,6 +166,8 @@ TEST_F(LauncherSessionCoordinatorTest, TypingPassesTheRawQueryAndResetsTheSelect
     EXPECT_EQ(coordinator.searchQuery(), "Sa ");
 }
 
+// Delete erases one whole character; on an empty query it does nothing, as does moving through
+// no results.
 TEST_F(LauncherSessionCoordinatorTest, DeleteErasesOneWholeCharacter) {
     coordinator.beginLauncherSession();
     coordinator.appendToSearchQuery("cafe\u0301");  // e and a combining accent
@@ -185,14 +182,12 @@ TEST_F(LauncherSessionCoordinatorTest, DeleteErasesOneWholeCharacter) {
     EXPECT_EQ(coordinator.searchQuery(), "caf");
     EXPECT_EQ(coordinator.selectedIndex(), 0);
     EXPECT_EQ(published.back().searchQuery, "caf");
-}
 
-TEST_F(LauncherSessionCoordinatorTest, DeleteOnAnEmptyQueryAndMoveWithNoResultsDoNothing) {
+    coordinator.endLauncherSession();
     coordinator.beginLauncherSession();
     published.clear();
     EXPECT_CALL(*windows, items(_)).Times(0);
     coordinator.deleteLastSearchCharacter();
-
     ON_CALL(*applications, items(_)).WillByDefault(Return(std::vector<LauncherItem>{}));
     coordinator.switchLauncherMode();
     EXPECT_EQ(published.size(), 1U);
@@ -202,10 +197,10 @@ TEST_F(LauncherSessionCoordinatorTest, DeleteOnAnEmptyQueryAndMoveWithNoResultsD
     EXPECT_EQ(coordinator.selectedIndex(), 0);
 }
 
+// The end clears the session and dismisses, again each time it is repeated.
 TEST_F(LauncherSessionCoordinatorTest, OutsideASessionEveryOperationButEndIsIgnored) {
-    EXPECT_CALL(*windows, items(_)).Times(0);
     EXPECT_CALL(*windows, activate(_)).Times(0);
-    EXPECT_CALL(*overlay, dismiss()).Times(0);
+    EXPECT_CALL(*windows, items(_)).Times(0);
     coordinator.switchLauncherMode();
     coordinator.appendToSearchQuery("a");
     coordinator.deleteLastSearchCharacter();
@@ -215,14 +210,12 @@ TEST_F(LauncherSessionCoordinatorTest, OutsideASessionEveryOperationButEndIsIgno
     EXPECT_EQ(coordinator.activeModeSelection(), Selection::windows);
     EXPECT_EQ(coordinator.searchQuery(), "");
     EXPECT_TRUE(capture.sink().messages().empty());
-}
 
-TEST_F(LauncherSessionCoordinatorTest, EndClearsTheSessionDismissesAndRepeatsWhenIdle) {
+    EXPECT_CALL(*windows, items(_)).Times(2);
+    EXPECT_CALL(*overlay, dismiss()).Times(2);
     coordinator.beginLauncherSession();
     coordinator.appendToSearchQuery("a");
     coordinator.moveLauncherSelection(1);
-    EXPECT_CALL(*overlay, dismiss()).Times(2);
-    EXPECT_CALL(*windows, activate(_)).Times(0);
     coordinator.endLauncherSession();
     coordinator.endLauncherSession();
     EXPECT_FALSE(coordinator.isLauncherSessionActive());
@@ -232,17 +225,6 @@ TEST_F(LauncherSessionCoordinatorTest, EndClearsTheSessionDismissesAndRepeatsWhe
     EXPECT_EQ(capture.sink().messages(),
               (std::vector<std::string>{"launcher session began", "launcher session ended",
                                         "launcher session ended"}));
-}
-
-TEST_F(LauncherSessionCoordinatorTest, CommitWithNoResultsEndsAndActivatesNothing) {
-    ON_CALL(*windows, items(_)).WillByDefault(Return(std::vector<LauncherItem>{}));
-    coordinator.beginLauncherSession();
-    EXPECT_CALL(*overlay, dismiss());
-    EXPECT_CALL(*windows, activate(_)).Times(0);
-    EXPECT_CALL(*applications, activate(_)).Times(0);
-    coordinator.commitLauncherSession();
-    EXPECT_FALSE(coordinator.isLauncherSessionActive());
-    EXPECT_EQ(capture.sink().messages().back(), "launcher session ended");
 }
 
 TEST_F(LauncherSessionCoordinatorTest, CommitDismissesBeforeTheModeThatWasActiveActivates) {
@@ -263,6 +245,15 @@ TEST_F(LauncherSessionCoordinatorTest, CommitDismissesBeforeTheModeThatWasActive
     }
     coordinator.commitLauncherSession();
     EXPECT_EQ(coordinator.activeModeSelection(), Selection::windows);
+
+    // With no results the commit only ends the session.
+    ON_CALL(*windows, items(_)).WillByDefault(Return(std::vector<LauncherItem>{}));
+    EXPECT_CALL(*overlay, dismiss()).Times(2);
+    coordinator.endLauncherSession();
+    coordinator.beginLauncherSession();
+    coordinator.commitLauncherSession();
+    EXPECT_FALSE(coordinator.isLauncherSessionActive());
+    EXPECT_EQ(capture.sink().messages().back(), "launcher session ended");
 }
 
 }  // namespace

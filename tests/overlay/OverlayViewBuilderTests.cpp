@@ -103,34 +103,34 @@ class OverlayViewBuilderTest : public testing::Test {
     }
 };
 
-TEST_F(OverlayViewBuilderTest, RowStyleStacksExactlyColumnCountCardsAndWrapsOneMore) {
+// A grid of two draws the same picture as the stack; with spare columns the row centres.
+TEST_F(OverlayViewBuilderTest, RowStacksAndCentresWhereAGridKeepsItsColumns) {
+    using Points = std::vector<Point>;
     // An 800 wide screen holds 3 medium columns.
     showSwitcher({window(1, "a"), window(2, "b"), window(3, "c")}, 800);
-    EXPECT_EQ(cardOrigins(), (std::vector<Point>{{20, 20}, {232, 20}, {444, 20}}));
+    EXPECT_EQ(cardOrigins(), (Points{{20, 20}, {232, 20}, {444, 20}}));
     showSwitcher({window(1, "a"), window(2, "b"), window(3, "c"), window(4, "d")}, 800);
-    EXPECT_EQ(cardOrigins(), (std::vector<Point>{{20, 20}, {232, 20}, {444, 20}, {20, 189}}));
-}
-
-TEST_F(OverlayViewBuilderTest, GridOfTwoWindowsDrawsTheSamePictureAsTheStack) {
-    showSwitcher({window(1, "a"), window(2, "b")});
-    const auto stacked = cardOrigins();
-    model.layoutStyle.set(SwitcherOverlayLayoutStyle::grid);
-    showSwitcher({window(1, "a"), window(2, "b")});
-    EXPECT_EQ(cardOrigins(), stacked);
-    EXPECT_EQ(stacked, (std::vector<Point>{{20, 20}, {232, 20}}));
-}
-
-TEST_F(OverlayViewBuilderTest, GridKeepsItsColumnsWhereAStackCentresItsCards) {
-    model.columnCount.set(4);
-    model.windows.set({window(1, "a"), window(2, "b")});
-    data = builder.build(model, {876, 197});
-    EXPECT_EQ(cardOrigins(), (std::vector<Point>{{232, 20}, {444, 20}}));
-    model.layoutStyle.set(SwitcherOverlayLayoutStyle::grid);
-    data = builder.build(model, {876, 197});
-    EXPECT_EQ(cardOrigins(), (std::vector<Point>{{20, 20}, {232, 20}}));
+    EXPECT_EQ(cardOrigins(), (Points{{20, 20}, {232, 20}, {444, 20}, {20, 189}}));
+    for (auto style : {SwitcherOverlayLayoutStyle::row, SwitcherOverlayLayoutStyle::grid}) {
+        model.layoutStyle.set(style);
+        showSwitcher({window(1, "a"), window(2, "b")});
+        EXPECT_EQ(cardOrigins(), (Points{{20, 20}, {232, 20}}));
+        model.columnCount.set(4);
+        data = builder.build(model, {876, 197});
+        const bool row = style == SwitcherOverlayLayoutStyle::row;
+        EXPECT_EQ(cardOrigins(),
+                  (row ? Points{{232, 20}, {444, 20}} : Points{{20, 20}, {232, 20}}));
+    }
 }
 
 TEST_F(OverlayViewBuilderTest, SelectedWindowIsFilledBorderedAndCaptionedInPrimary) {
+    for (const std::ptrdiff_t index : {-1, 2}) {
+        model.selectedIndex.set(index);
+        showSwitcher({window(1, "a"), window(2, "b")});
+        for (const auto* card : all(OverlayPart::cardBackground)) {
+            EXPECT_EQ(std::get<OverlayShape>(card->content).fill, OverlayPaint{}) << index;
+        }
+    }
     model.selectedIndex.set(1);
     showSwitcher({window(1, "a"), window(2, "b")});
     EXPECT_EQ(only(OverlayPart::cardBackground, "2").fill,
@@ -141,16 +141,6 @@ TEST_F(OverlayViewBuilderTest, SelectedWindowIsFilledBorderedAndCaptionedInPrima
     EXPECT_EQ(only(OverlayPart::cardBackground, "1").fill, OverlayPaint{});
     EXPECT_EQ(only(OverlayPart::cardBorder, "1").stroke, (OverlayStroke{{}, 2.5}));
     EXPECT_EQ(only<OverlayText>(OverlayPart::caption, "1").color, OverlayColorRole::secondary);
-}
-
-TEST_F(OverlayViewBuilderTest, SelectedIndexOutsideTheListSelectsNoCard) {
-    for (const std::ptrdiff_t index : {-1, 2}) {
-        model.selectedIndex.set(index);
-        showSwitcher({window(1, "a"), window(2, "b")});
-        for (const auto* card : all(OverlayPart::cardBackground)) {
-            EXPECT_EQ(std::get<OverlayShape>(card->content).fill, OverlayPaint{}) << index;
-        }
-    }
 }
 
 TEST_F(OverlayViewBuilderTest,
@@ -218,7 +208,7 @@ TEST_F(OverlayViewBuilderTest, LauncherReplacesTheCardsEvenWithWindowsListed) {
     EXPECT_EQ(only(OverlayPart::modeBadge).kind, OverlayShapeKind::capsule);
 }
 
-TEST_F(OverlayViewBuilderTest, EmptyQueryShowsTheCaretThenThePlaceholder) {
+TEST_F(OverlayViewBuilderTest, CaretFollowsTheQueryOrPrecedesThePlaceholder) {
     showLauncher({});
     EXPECT_TRUE(all(OverlayPart::query).empty());
     const auto& caret = only(OverlayPart::caret);
@@ -228,18 +218,14 @@ TEST_F(OverlayViewBuilderTest, EmptyQueryShowsTheCaretThenThePlaceholder) {
     EXPECT_EQ(placeholder.text, "Search windows");
     EXPECT_EQ(placeholder.color, OverlayColorRole::tertiary);
     EXPECT_DOUBLE_EQ(placeholder.frame.minX(), caret.frame.maxX() + 4);
-}
 
-TEST_F(OverlayViewBuilderTest, QueryHidesThePlaceholderAndTheCaretFollowsIt) {
     showLauncher({}, "abc");
     EXPECT_TRUE(all(OverlayPart::placeholder).empty());
     const auto& query = only<OverlayText>(OverlayPart::query);
     EXPECT_TRUE(sameFrame(query.frame, {{56, 33}, {27, 18}}));
     EXPECT_EQ(query.truncation, OverlayTruncation::head);
     EXPECT_DOUBLE_EQ(only(OverlayPart::caret).frame.minX(), 84);
-}
 
-TEST_F(OverlayViewBuilderTest, LongQueryGivesWayBeforeTheGapToTheModeBadge) {
     showLauncher({}, std::string(100, 'q'));
     EXPECT_DOUBLE_EQ(only(OverlayPart::caret).frame.maxX(),
                      only(OverlayPart::modeBadge).frame.minX() - 10 - 12 - 10);

@@ -47,18 +47,12 @@ class PendingCaptureService final : public WindowThumbnailCaptureService {
     std::vector<Request> requests;
 };
 
-SwitchableWindow window(WindowIdentifier identifier) {
-    SwitchableWindow result;
-    result.windowIdentifier = identifier;
-    result.owningProcessIdentifier = 40;
-    result.owningApplicationName = "App";
-    return result;
-}
-
 std::vector<SwitchableWindow> windows(std::initializer_list<WindowIdentifier> identifiers) {
-    std::vector<SwitchableWindow> result;
-    for (auto identifier : identifiers) {
-        result.push_back(window(identifier));
+    std::vector<SwitchableWindow> result(identifiers.size());
+    for (std::size_t index = 0; index < result.size(); ++index) {
+        result[index].windowIdentifier = identifiers.begin()[index];
+        result[index].owningProcessIdentifier = 40;
+        result[index].owningApplicationName = "App";
     }
     return result;
 }

@@ -1,15 +1,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <ostream>
 #include <string>
+#include <utility>
 
 #include "preferences/SwitcherPreferencesCodec.h"
 
 namespace orvane {
 namespace {
 
-using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
 constexpr const char* defaultText =
@@ -69,156 +68,103 @@ TEST(SwitcherPreferencesCodecRoundTrip, EveryEnumerationCombinationAndBooleanPat
     }
 }
 
-struct AcceptedCase {
-    const char* name;
-    const char* text;
-    SwitcherPreferences expected;
-
-    friend void PrintTo(const AcceptedCase& tested, std::ostream* out) { *out << tested.text; }
-};
-
-class SwitcherPreferencesCodecAccepts : public ::testing::TestWithParam<AcceptedCase> {};
-
-TEST_P(SwitcherPreferencesCodecAccepts, DecodesToExpectedRecord) {
-    const auto decoded = SwitcherPreferencesCodec::decode(GetParam().text);
-    ASSERT_TRUE(decoded.preferences.has_value()) << decoded.error;
-    EXPECT_EQ(*decoded.preferences, GetParam().expected);
+TEST(SwitcherPreferencesCodecDecode, AcceptsStoredVariantsOfTheRecord) {
+    struct Case {
+        const char* text;
+        SwitcherPreferences expected;
+    };
+    auto missingIcon = everythingChanged;
+    missingIcon.menuBarIconVisible = true;
+    const Case cases[] = {
+        {"{}", {}},
+        {R"({"shortcutConfiguration":null,"reverseCyclingEnabled":null,)"
+         R"("sameApplicationCyclingEnabled":null,"thumbnailsEnabled":null,)"
+         R"("overlayLayoutStyle":null,"cardSize":null,"menuBarIconVisible":null})",
+         {}},
+        {R"({"overlayLayoutStyle":null,"cardSize":"large"})",
+         {.shortcutConfiguration = {}, .cardSize = SwitcherCardSize::large}},
+        {R"({"shortcutConfiguration":{}})", {}},
+        {R"({"shortcutConfiguration":{"triggerKeyCode":122}})",
+         {.shortcutConfiguration = {.triggerKeyCode = 122}}},
+        {R"({"shortcutConfiguration":{"holdModifier":null,"triggerKeyCode":50}})",
+         {.shortcutConfiguration = {.triggerKeyCode = 50}}},
+        {R"({"shortcutConfiguration":{"holdModifier":"control","triggerKeyCode":null}})",
+         {.shortcutConfiguration = {.holdModifier = SwitcherHoldModifier::control}}},
+        {R"({"shortcutConfiguration":{"holdModifier":"control","triggerKeyCode":122},)"
+         R"("reverseCyclingEnabled":false,"sameApplicationCyclingEnabled":false,)"
+         R"("thumbnailsEnabled":false,"overlayLayoutStyle":"grid","cardSize":"large"})",
+         missingIcon},
+        // Key order does not matter.
+        {R"({"menuBarIconVisible":false,"cardSize":"large","overlayLayoutStyle":"grid",)"
+         R"("thumbnailsEnabled":false,"sameApplicationCyclingEnabled":false,)"
+         R"("reverseCyclingEnabled":false,)"
+         R"("shortcutConfiguration":{"triggerKeyCode":122,"holdModifier":"control"}})",
+         everythingChanged},
+        // Unknown keys are ignored at both levels.
+        {R"({"version":3,"shortcutConfiguration":{"extra":[1],"triggerKeyCode":7},)"
+         R"("thumbnailsEnabled":false,"future":{"a":"b"}})",
+         {.shortcutConfiguration = {.triggerKeyCode = 7}, .thumbnailsEnabled = false}},
+        {R"({"shortcutConfiguration":{"triggerKeyCode":65535}})",
+         {.shortcutConfiguration = {.triggerKeyCode = 65535}}},
+        {R"({"shortcutConfiguration":{"triggerKeyCode":0}})",
+         {.shortcutConfiguration = {.triggerKeyCode = 0}}},
+        {R"({"shortcutConfiguration":{"triggerKeyCode":5.0e1}})",
+         {.shortcutConfiguration = {.triggerKeyCode = 50}}},
+    };
+    for (const auto& testCase : cases) {
+        SCOPED_TRACE(testCase.text);
+        const auto decoded = SwitcherPreferencesCodec::decode(testCase.text);
+        ASSERT_TRUE(decoded.preferences.has_value()) << decoded.error;
+        EXPECT_EQ(*decoded.preferences, testCase.expected);
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Stored, SwitcherPreferencesCodecAccepts,
-    ::testing::Values(
-        AcceptedCase{"EmptyObjectIsAllDefaults", "{}", {}},
-        AcceptedCase{"TopLevelNullsAreDefaults",
-                     R"({"shortcutConfiguration":null,"reverseCyclingEnabled":null,)"
-                     R"("sameApplicationCyclingEnabled":null,"thumbnailsEnabled":null,)"
-                     R"("overlayLayoutStyle":null,"cardSize":null,"menuBarIconVisible":null})",
-                     {}},
-        AcceptedCase{"NullLayoutIsRowWhileOthersKept",
-                     R"({"overlayLayoutStyle":null,"cardSize":"large"})",
-                     {.shortcutConfiguration = {}, .cardSize = SwitcherCardSize::large}},
-        AcceptedCase{"EmptyShortcutIsDefaultShortcut", R"({"shortcutConfiguration":{}})", {}},
-        AcceptedCase{"ShortcutWithOnlyKeyCodeHoldsOption",
-                     R"({"shortcutConfiguration":{"triggerKeyCode":122}})",
-                     {.shortcutConfiguration = {.triggerKeyCode = 122}}},
-        AcceptedCase{"NestedNullModifierIsOption",
-                     R"({"shortcutConfiguration":{"holdModifier":null,"triggerKeyCode":50}})",
-                     {.shortcutConfiguration = {.triggerKeyCode = 50}}},
-        AcceptedCase{
-            "NestedNullKeyCodeIsTab",
-            R"({"shortcutConfiguration":{"holdModifier":"control","triggerKeyCode":null}})",
-            {.shortcutConfiguration = {.holdModifier = SwitcherHoldModifier::control}}},
-        AcceptedCase{"MissingIconKeyKeepsOthersAndShowsIcon",
-                     R"({"shortcutConfiguration":{"holdModifier":"control","triggerKeyCode":122},)"
-                     R"("reverseCyclingEnabled":false,"sameApplicationCyclingEnabled":false,)"
-                     R"("thumbnailsEnabled":false,"overlayLayoutStyle":"grid","cardSize":"large"})",
-                     [] {
-                         auto expected = everythingChanged;
-                         expected.menuBarIconVisible = true;
-                         return expected;
-                     }()},
-        AcceptedCase{
-            "KeyOrderDoesNotMatter",
-            R"({"menuBarIconVisible":false,"cardSize":"large","overlayLayoutStyle":"grid",)"
-            R"("thumbnailsEnabled":false,"sameApplicationCyclingEnabled":false,)"
-            R"("reverseCyclingEnabled":false,)"
-            R"("shortcutConfiguration":{"triggerKeyCode":122,"holdModifier":"control"}})",
-            everythingChanged},
-        AcceptedCase{"UnknownKeysIgnoredAtBothLevels",
-                     R"({"version":3,"shortcutConfiguration":{"extra":[1],"triggerKeyCode":7},)"
-                     R"("thumbnailsEnabled":false,"future":{"a":"b"}})",
-                     {.shortcutConfiguration = {.triggerKeyCode = 7}, .thumbnailsEnabled = false}},
-        AcceptedCase{"LargestKeyCode",
-                     R"({"shortcutConfiguration":{"triggerKeyCode":65535}})",
-                     {.shortcutConfiguration = {.triggerKeyCode = 65535}}},
-        AcceptedCase{"SmallestKeyCode",
-                     R"({"shortcutConfiguration":{"triggerKeyCode":0}})",
-                     {.shortcutConfiguration = {.triggerKeyCode = 0}}},
-        AcceptedCase{"IntegralKeyCodeWrittenAsFraction",
-                     R"({"shortcutConfiguration":{"triggerKeyCode":5.0e1}})",
-                     {.shortcutConfiguration = {.triggerKeyCode = 50}}}),
-    [](const auto& info) { return std::string(info.param.name); });
-
-struct RejectedCase {
-    const char* name;
-    const char* text;
-    // The reason must open with this, which names the failing key.
-    const char* reasonPrefix;
-
-    friend void PrintTo(const RejectedCase& tested, std::ostream* out) { *out << tested.text; }
-};
-
-class SwitcherPreferencesCodecRejects : public ::testing::TestWithParam<RejectedCase> {};
-
-TEST_P(SwitcherPreferencesCodecRejects, FailsWholeRecordNamingTheKey) {
-    const auto decoded = SwitcherPreferencesCodec::decode(GetParam().text);
-    EXPECT_FALSE(decoded.preferences.has_value());
-    EXPECT_THAT(decoded.error, StartsWith(GetParam().reasonPrefix));
-}
-
-constexpr const char* keyCode = "shortcutConfiguration.triggerKeyCode: ";
-constexpr const char* modifier = "shortcutConfiguration.holdModifier: ";
-
-INSTANTIATE_TEST_SUITE_P(
-    Stored, SwitcherPreferencesCodecRejects,
-    ::testing::Values(
-        RejectedCase{"StringForBool", R"({"reverseCyclingEnabled":"true"})",
-                     "reverseCyclingEnabled: "},
-        RejectedCase{"NumberForBool", R"({"sameApplicationCyclingEnabled":1})",
-                     "sameApplicationCyclingEnabled: "},
-        RejectedCase{"ArrayForBool", R"({"menuBarIconVisible":[]})", "menuBarIconVisible: "},
-        RejectedCase{"NumberForLayout", R"({"overlayLayoutStyle":1})", "overlayLayoutStyle: "},
-        RejectedCase{"UnknownLayout", R"({"overlayLayoutStyle":"column"})", "overlayLayoutStyle: "},
-        RejectedCase{"BoolForCardSize", R"({"cardSize":false})", "cardSize: "},
-        RejectedCase{"CapitalisedModifier",
-                     R"({"shortcutConfiguration":{"holdModifier":"Option"}})", modifier},
-        RejectedCase{"PaddedModifier", R"({"shortcutConfiguration":{"holdModifier":"option "}})",
-                     modifier},
-        RejectedCase{"KeyCodeTooLarge", R"({"shortcutConfiguration":{"triggerKeyCode":65536}})",
-                     keyCode},
-        RejectedCase{"KeyCodeNegative", R"({"shortcutConfiguration":{"triggerKeyCode":-1}})",
-                     keyCode},
-        RejectedCase{"KeyCodeHuge", R"({"shortcutConfiguration":{"triggerKeyCode":1e300}})",
-                     keyCode},
-        RejectedCase{"KeyCodeFraction", R"({"shortcutConfiguration":{"triggerKeyCode":48.5}})",
-                     keyCode},
-        RejectedCase{"KeyCodeString", R"({"shortcutConfiguration":{"triggerKeyCode":"48"}})",
-                     keyCode},
-        RejectedCase{"KeyCodeBool", R"({"shortcutConfiguration":{"triggerKeyCode":true}})",
-                     keyCode},
-        RejectedCase{"ShortcutArray", R"({"shortcutConfiguration":[]})", "shortcutConfiguration: "},
-        RejectedCase{"ShortcutString", R"({"shortcutConfiguration":"option"})",
-                     "shortcutConfiguration: "},
+// One bad value discards everything else stored; the reason names the key and quotes the value.
+TEST(SwitcherPreferencesCodecDecode, RejectsTheWholeRecordNamingTheFirstFailingKey) {
+    const std::string keyCode = "shortcutConfiguration.triggerKeyCode: ";
+    const std::string modifier = "shortcutConfiguration.holdModifier: ";
+    const std::string notBoolean = ": expected a boolean, found ";
+    const std::pair<const char*, std::string> cases[] = {
+        {R"({"reverseCyclingEnabled":"true"})", "reverseCyclingEnabled" + notBoolean + "string"},
+        {R"({"sameApplicationCyclingEnabled":1})", "sameApplicationCyclingEnabled: "},
+        {R"({"menuBarIconVisible":[]})", "menuBarIconVisible: "},
+        {R"({"thumbnailsEnabled":"no"})", "thumbnailsEnabled" + notBoolean + "string"},
+        {R"({"overlayLayoutStyle":1})", "overlayLayoutStyle: "},
+        {R"({"overlayLayoutStyle":"column"})", "overlayLayoutStyle: "},
+        {R"({"overlayLayoutStyle":"Row"})", R"(overlayLayoutStyle: "Row" is not one of row, grid)"},
+        {R"({"cardSize":false})", "cardSize: expected a string, found boolean"},
+        {R"({"thumbnailsEnabled":false,"cardSize":"huge"})",
+         R"(cardSize: "huge" is not one of small, medium, large)"},
+        {R"({"shortcutConfiguration":{"holdModifier":"Option"}})", modifier},
+        {R"({"shortcutConfiguration":{"holdModifier":"option "}})", modifier},
+        {R"({"shortcutConfiguration":{"triggerKeyCode":65536}})",
+         keyCode + "65536 is not an integer from 0 to 65535"},
+        {R"({"shortcutConfiguration":{"triggerKeyCode":-1}})", keyCode},
+        {R"({"shortcutConfiguration":{"triggerKeyCode":1e300}})", keyCode},
+        {R"({"shortcutConfiguration":{"triggerKeyCode":48.5}})",
+         keyCode + "48.5 is not an integer from 0 to 65535"},
+        {R"({"shortcutConfiguration":{"triggerKeyCode":"48"}})", keyCode},
+        {R"({"shortcutConfiguration":{"triggerKeyCode":true}})", keyCode},
+        {R"({"shortcutConfiguration":[]})", "shortcutConfiguration: "},
+        {R"({"shortcutConfiguration":"option"})", "shortcutConfiguration: "},
         // Table order decides which failure is reported, not the order in the text.
-        RejectedCase{"FirstFailingKeyInTableOrder",
-                     R"({"cardSize":"huge","shortcutConfiguration":{"triggerKeyCode":-1},)"
-                     R"("reverseCyclingEnabled":"yes"})",
-                     keyCode},
-        RejectedCase{"TopLevelArray", "[]", "top level: "},
-        RejectedCase{"TopLevelNull", "null", "top level: "},
-        RejectedCase{"TopLevelString", R"("{}")", "top level: "},
-        RejectedCase{"Garbage", "\x01\xff not json", "not valid JSON: "},
-        RejectedCase{"Empty", "", "not valid JSON: "},
-        RejectedCase{"Truncated", R"({"cardSize":"large")", "not valid JSON: "},
-        RejectedCase{"TrailingText", "{} {}", "not valid JSON: "}),
-    [](const auto& info) { return std::string(info.param.name); });
-
-TEST(SwitcherPreferencesCodecFailureReason, BadValueDiscardsEverythingElseStored) {
-    const auto decoded =
-        SwitcherPreferencesCodec::decode(R"({"thumbnailsEnabled":false,"cardSize":"huge"})");
-    EXPECT_FALSE(decoded.preferences.has_value());
-    EXPECT_EQ(decoded.error, R"(cardSize: "huge" is not one of small, medium, large)");
-}
-
-TEST(SwitcherPreferencesCodecFailureReason, ReasonQuotesTheOffendingValue) {
-    EXPECT_THAT(SwitcherPreferencesCodec::decode(R"({"overlayLayoutStyle":"Row"})").error,
-                HasSubstr(R"("Row" is not one of row, grid)"));
-    EXPECT_THAT(
-        SwitcherPreferencesCodec::decode(R"({"shortcutConfiguration":{"triggerKeyCode":48.5}})")
-            .error,
-        HasSubstr("48.5"));
-    EXPECT_THAT(SwitcherPreferencesCodec::decode(R"({"thumbnailsEnabled":"no"})").error,
-                HasSubstr("found string"));
+        {R"({"cardSize":"huge","shortcutConfiguration":{"triggerKeyCode":-1},)"
+         R"("reverseCyclingEnabled":"yes"})",
+         keyCode},
+        {"[]", "top level: expected an object, found array"},
+        {"null", "top level: "},
+        {R"("{}")", "top level: "},
+        {"\x01\xff not json", "not valid JSON: "},
+        {"", "not valid JSON: "},
+        {R"({"cardSize":"large")", "not valid JSON: "},
+        {"{} {}", "not valid JSON: "},
+    };
+    for (const auto& [text, reason] : cases) {
+        SCOPED_TRACE(text);
+        const auto decoded = SwitcherPreferencesCodec::decode(text);
+        EXPECT_FALSE(decoded.preferences.has_value());
+        EXPECT_THAT(decoded.error, StartsWith(reason));
+    }
 }
 
 }  // namespace

@@ -7,38 +7,33 @@
 #include <utility>
 #include <vector>
 
-#include "core/ScopedLogCapture.h"
 #include "platform/simulated/SimulatedAccessibilityElement.h"
 #include "platform/simulated/SimulatedDesktop.h"
 #include "recency/AccessibilityWindowFocusEventSource.h"
 #include "support/ForwardingAccessibilityPort.h"
+#include "support/SimulatedDesktopBuilders.h"
+#include "support/TakeLog.h"
 
 namespace orvane {
 namespace {
 
 using Lines = std::vector<std::string>;
+using Policy = ApplicationActivationPolicy;
 
 const Lines allNotifications{"AXFocusedWindowChanged", "AXApplicationActivated",
                              "AXWindowCreated",        "AXUIElementDestroyed",
                              "AXWindowMiniaturized",   "AXWindowDeminiaturized"};
-const char* const workspaceNotifications[] = {workspace_notification::didActivateApplication,
-                                              workspace_notification::didLaunchApplication,
-                                              workspace_notification::didTerminateApplication};
-
-const SimulatedAccessibilityElement* simulated(const AccessibilityElementHandle& element) {
-    return dynamic_cast<const SimulatedAccessibilityElement*>(element.get());
-}
 
 // Each event as "kind process", then its element as "process/window" if it has one.
-class RecordingObserver final : public WindowFocusEventObserving {
-  public:
+struct RecordingObserver final : WindowFocusEventObserving {
     void windowFocusEventDidOccur(const WindowFocusEvent& event) override {
         const char* kinds[] = {"focused",      "activated",      "created",   "destroyed",
                                "miniaturized", "deminiaturized", "terminated"};
         auto seen =
             kinds[static_cast<int>(event.kind)] + (" " + std::to_string(event.processIdentifier));
         if (event.element) {
-            const auto* element = simulated(event.element->underlyingElement());
+            const auto* element = dynamic_cast<const SimulatedAccessibilityElement*>(
+                event.element->underlyingElement().get());
             seen += element ? " " + std::to_string(element->processIdentifier()) + "/" +
                                   std::to_string(element->windowIdentifier())
                             : " foreign";
@@ -55,19 +50,18 @@ class RecordingObserver final : public WindowFocusEventObserving {
 
 // Keeps the last observer's callback (to call it with arguments the simulation never delivers)
 // and notes what teardown must undo.
-class RecordingAccessibility final : public ForwardingAccessibilityPort {
-  public:
+struct RecordingAccessibility final : ForwardingAccessibilityPort {
     using ForwardingAccessibilityPort::ForwardingAccessibilityPort;
 
     ObserverCreation createObserver(ProcessIdentifier process, ObserverCallback callback) override {
-        callback_ = callback;
+        lastCallback = callback;
         return inner_->createObserver(process, std::move(callback));
     }
     AccessibilityError addNotification(const AccessibilityObserverHandle& observer,
                                        const AccessibilityElementHandle& element,
                                        std::string_view notification, void* reference) override {
-        observer_ = observer;
-        reference_ = reference;
+        lastObserver = observer;
+        lastReference = reference;
         return inner_->addNotification(observer, element, notification, reference);
     }
     AccessibilityError removeNotification(const AccessibilityObserverHandle& observer,
@@ -84,67 +78,53 @@ class RecordingAccessibility final : public ForwardingAccessibilityPort {
     // Only while the source that registered is alive: the reference points at it.
     void call(const AccessibilityObserverHandle& observer, ProcessIdentifier process,
               std::string_view notification) {
-        callback_(observer, SimulatedAccessibility::windowElement(process, 11), notification,
-                  reference_);
+        lastCallback(observer, SimulatedAccessibility::windowElement(process, 11), notification,
+                     lastReference);
     }
-    AccessibilityObserverHandle lastObserver() const { return observer_.lock(); }
 
     std::vector<RunLoopSourceHandle> sources;
     Lines removedNotifications;
-
-  private:
-    ObserverCallback callback_;
+    ObserverCallback lastCallback;
     // Weak, so that holding it here does not keep a released observer alive.
-    std::weak_ptr<AccessibilityObserverObject> observer_;
-    void* reference_ = nullptr;
+    std::weak_ptr<AccessibilityObserverObject> lastObserver;
+    void* lastReference = nullptr;
 };
 
-SimulatedApplication application(
-    ProcessIdentifier process,
-    ApplicationActivationPolicy policy = ApplicationActivationPolicy::regular) {
-    SimulatedApplication result;
-    result.runningApplication.processIdentifier = process;
-    result.runningApplication.localizedName = "App " + std::to_string(process);
-    result.runningApplication.activationPolicy = policy;
-    return result;
-}
-SimulatedApplication refusing(ProcessIdentifier process, std::set<std::string> refused) {
-    auto result = application(process);
+SimulatedApplication refusing(ProcessIdentifier process,
+                              std::set<std::string> refused = {allNotifications.begin(),
+                                                               allNotifications.end()}) {
+    auto result = simulatedApplication(process);
     result.refusedNotifications = std::move(refused);
     return result;
 }
-SimulatedApplication refusingAll(ProcessIdentifier process) {
-    return refusing(process, {allNotifications.begin(), allNotifications.end()});
-}
-SimulatedApplication failingObserverCreation(ProcessIdentifier process) {
-    auto result = application(process);
+SimulatedApplication failing(ProcessIdentifier process) {
+    auto result = simulatedApplication(process);
     result.observerCreationFails = true;
     return result;
 }
 
-std::string refusalLine(const std::string& notification, ProcessIdentifier process) {
+std::string refusal(const std::string& notification, ProcessIdentifier process) {
     return "AXObserverAddNotification(" + notification + ") failed for process " +
-           std::to_string(process) + " (AXError -25207)";
+           std::to_string(process) + " (AXError -25207)\n";
 }
 // One attachment attempt on an application that refuses every notification.
-Lines refusedEverythingLines(ProcessIdentifier process) {
-    Lines lines;
+std::string refusedEverything(ProcessIdentifier process) {
+    std::string log;
     for (const auto& notification : allNotifications) {
-        lines.push_back(refusalLine(notification, process));
+        log += refusal(notification, process);
     }
-    lines.push_back("Process " + std::to_string(process) +
-                    " accepted no Accessibility notifications; using application-activation "
-                    "fallback");
-    return lines;
+    return log + "Process " + std::to_string(process) +
+           " accepted no Accessibility notifications; using application-activation fallback\n";
 }
-std::string creationFailureLine(ProcessIdentifier process) {
+std::string creationFailure(ProcessIdentifier process) {
     return "AXObserverCreate failed for process " + std::to_string(process) +
-           " (AXError -25204); using application-activation fallback";
+           " (AXError -25204); using application-activation fallback\n";
 }
-std::string startedLine(int attached) {
+std::string started(int attached) {
     return "Started window focus observation; attached Accessibility observers to " +
-           std::to_string(attached) + " applications";
+           std::to_string(attached) + " applications\n";
 }
+const std::string stopped = "Stopped window focus observation\n";
 
 class AccessibilityWindowFocusEventSourceTest : public ::testing::Test {
   protected:
@@ -167,33 +147,22 @@ class AccessibilityWindowFocusEventSourceTest : public ::testing::Test {
 
     void launch(SimulatedApplication launched) {
         ASSERT_TRUE(desktop->launchApplication(std::move(launched)));
-        desktop->runLoop().runUntilIdle();
+        settle();
     }
     void addWindow(ProcessIdentifier process, WindowIdentifier window) {
-        SimulatedWindow created;
-        created.windowIdentifier = window;
-        created.owningProcessIdentifier = process;
-        ASSERT_TRUE(desktop->createWindow(std::move(created)));
+        ASSERT_TRUE(desktop->createWindow(simulatedWindow(window, process)));
     }
     void settle() { desktop->runLoop().runUntilIdle(); }
-
+    void advance(double seconds) { desktop->runLoop().advance(seconds); }
     // The lines logged since the last call; every one must be a recency debug line.
-    Lines takeLog() {
-        Lines lines;
-        for (auto& record : logCapture.sink().takeRecords()) {
-            EXPECT_EQ(record.category, LogCategory::recencytracking) << record.message;
-            EXPECT_EQ(record.level, LogLevel::debug) << record.message;
-            lines.push_back(std::move(record.message));
-        }
-        return lines;
-    }
-
+    std::string log() { return takeLog(logCapture, LogCategory::recencytracking, LogLevel::debug); }
     std::size_t observers(ProcessIdentifier process) {
         return desktop->accessibility().liveObserverCount(process);
     }
-    std::size_t retriesScheduled() { return desktop->runLoop().scheduledTimerHistory().size(); }
     void expectWorkspaceObservers(std::size_t count) {
-        for (const char* name : workspaceNotifications) {
+        for (const char* name : {workspace_notification::didActivateApplication,
+                                 workspace_notification::didLaunchApplication,
+                                 workspace_notification::didTerminateApplication}) {
             EXPECT_EQ(desktop->workspaceNotificationCenter()->observerCount(name), count) << name;
         }
     }
@@ -207,61 +176,59 @@ class AccessibilityWindowFocusEventSourceTest : public ::testing::Test {
 // Only regular applications get an observer, at the start or at launch; all are reported.
 TEST_F(AccessibilityWindowFocusEventSourceTest,
        StartAndStopActOnceEachAndAttachRegularApplications) {
-    launch(application(201));
-    launch(application(301, ApplicationActivationPolicy::accessory));
-    launch(failingObserverCreation(202));
+    launch(simulatedApplication(201));
+    launch(simulatedApplication(301, {}, Policy::accessory));
+    launch(failing(202));
 
     source->startObserving();
     source->startObserving();
     // A failure while starting is not retried.
-    desktop->runLoop().advance(30);
+    advance(30);
 
-    EXPECT_EQ(takeLog(), (Lines{creationFailureLine(202), startedLine(1)}));
+    EXPECT_EQ(log(), creationFailure(202) + started(1));
     expectWorkspaceObservers(1);
     EXPECT_EQ(observers(201), 1u);
     EXPECT_EQ(desktop->accessibility().registeredNotifications(201), allNotifications);
-    EXPECT_EQ(observers(202), 0u);
-    EXPECT_EQ(observers(301), 0u);
+    EXPECT_EQ(observers(202) + observers(301), 0u);
     EXPECT_EQ(desktop->accessibility().messagingTimeoutsSet(), std::vector<float>{0.25f});
 
-    launch(application(203));
-    launch(application(302, ApplicationActivationPolicy::prohibited));
+    launch(simulatedApplication(203));
+    launch(simulatedApplication(302, {}, Policy::prohibited));
     EXPECT_EQ(observers(203), 1u);
     EXPECT_EQ(observers(302), 0u);
     desktop->activateApplication(301);
     desktop->activateApplication(302);
     desktop->terminateApplication(301);
     desktop->terminateApplication(302);
-    desktop->runLoop().advance(30);
+    advance(30);
     EXPECT_EQ(observer->take(),
               (Lines{"activated 301", "activated 302", "terminated 301", "terminated 302"}));
-    EXPECT_TRUE(takeLog().empty());
-    EXPECT_EQ(retriesScheduled(), 0u);
+    EXPECT_EQ(log(), "");
+    EXPECT_EQ(desktop->runLoop().scheduledTimerHistory().size(), 0u);
 
     source->stopObserving();
     source->stopObserving();
 
-    EXPECT_EQ(takeLog(), Lines{"Stopped window focus observation"});
+    EXPECT_EQ(log(), stopped);
     expectWorkspaceObservers(0);
-    EXPECT_EQ(observers(201), 0u);
-    EXPECT_EQ(observers(203), 0u);
+    EXPECT_EQ(observers(201) + observers(203), 0u);
     desktop->activateApplication(201);
     settle();
-    EXPECT_TRUE(observer->events.empty());
+    EXPECT_EQ(observer->take(), Lines{});
 }
 
 TEST_F(AccessibilityWindowFocusEventSourceTest, ActivationAttachesAMissedApplicationOnce) {
-    launch(application(201));
-    launch(failingObserverCreation(202));
+    launch(simulatedApplication(201));
+    launch(failing(202));
     source->startObserving();
-    takeLog();
+    log();
 
     desktop->activateApplication(202);
-    desktop->runLoop().advance(30);
+    advance(30);
 
     EXPECT_EQ(observer->take(), Lines{"activated 202"});
-    EXPECT_EQ(takeLog(), Lines{creationFailureLine(202)});
-    EXPECT_EQ(retriesScheduled(), 0u);
+    EXPECT_EQ(log(), creationFailure(202));
+    EXPECT_EQ(desktop->runLoop().scheduledTimerHistory().size(), 0u);
 
     desktop->application(202)->observerCreationFails = false;
     desktop->activateApplication(201);
@@ -273,7 +240,7 @@ TEST_F(AccessibilityWindowFocusEventSourceTest, ActivationAttachesAMissedApplica
     // 202 had no observer yet when its own activation was posted, so only the workspace tells.
     EXPECT_EQ(observer->take(),
               (Lines{"activated 201", "activated 201", "activated 202", "created 202 202/21"}));
-    EXPECT_TRUE(takeLog().empty());
+    EXPECT_EQ(log(), "");
     EXPECT_EQ(observers(201), 1u);
     EXPECT_EQ(observers(202), 1u);
 }
@@ -282,19 +249,14 @@ TEST_F(AccessibilityWindowFocusEventSourceTest, OneAcceptedNotificationOfSixIsEn
     launch(
         refusing(201, {"AXFocusedWindowChanged", "AXApplicationActivated", "AXUIElementDestroyed",
                        "AXWindowMiniaturized", "AXWindowDeminiaturized"}));
-    launch(refusingAll(202));
+    launch(refusing(202));
 
     source->startObserving();
 
-    Lines expected{
-        refusalLine("AXFocusedWindowChanged", 201), refusalLine("AXApplicationActivated", 201),
-        refusalLine("AXUIElementDestroyed", 201), refusalLine("AXWindowMiniaturized", 201),
-        refusalLine("AXWindowDeminiaturized", 201)};
-    for (const auto& line : refusedEverythingLines(202)) {
-        expected.push_back(line);
-    }
-    expected.push_back(startedLine(1));
-    EXPECT_EQ(takeLog(), expected);
+    EXPECT_EQ(log(),
+              refusal("AXFocusedWindowChanged", 201) + refusal("AXApplicationActivated", 201) +
+                  refusal("AXUIElementDestroyed", 201) + refusal("AXWindowMiniaturized", 201) +
+                  refusal("AXWindowDeminiaturized", 201) + refusedEverything(202) + started(1));
     EXPECT_TRUE(source->isAttached(201));
     EXPECT_EQ(desktop->accessibility().registeredNotifications(201), Lines{"AXWindowCreated"});
     // Refusing all six falls back on activations, and releases the observer.
@@ -311,60 +273,57 @@ TEST_F(AccessibilityWindowFocusEventSourceTest, OneAcceptedNotificationOfSixIsEn
 // application quitting, or on the source stopping. The next activation tries once more.
 TEST_F(AccessibilityWindowFocusEventSourceTest, LaunchGetsThreeAttemptsTwoSecondsApart) {
     source->startObserving();
-    takeLog();
+    log();
 
-    launch(refusingAll(201));
-    EXPECT_EQ(takeLog(), refusedEverythingLines(201));
-    for (int retry = 0; retry < 2; ++retry) {
-        desktop->runLoop().advance(1.75);
-        EXPECT_TRUE(takeLog().empty());
-        desktop->runLoop().advance(0.25);
-        auto expected = refusedEverythingLines(201);
-        if (retry == 1) {
-            expected.push_back(
-                "Giving up Accessibility observer attachment for process 201; using "
-                "application-activation fallback");
-        }
-        EXPECT_EQ(takeLog(), expected);
+    launch(refusing(201));
+    EXPECT_EQ(log(), refusedEverything(201));
+    for (const std::string giveUp :
+         {"",
+          "Giving up Accessibility observer attachment for process 201; using "
+          "application-activation fallback\n"}) {
+        advance(1.75);
+        EXPECT_EQ(log(), "");
+        advance(0.25);
+        EXPECT_EQ(log(), refusedEverything(201) + giveUp);
     }
-    desktop->runLoop().advance(60);
-    EXPECT_TRUE(takeLog().empty());
-    EXPECT_TRUE(observer->events.empty());
+    advance(60);
+    EXPECT_EQ(log(), "");
+    EXPECT_EQ(observer->take(), Lines{});
     desktop->activateApplication(201);
-    desktop->runLoop().advance(60);
-    EXPECT_EQ(takeLog(), refusedEverythingLines(201));
+    advance(60);
+    EXPECT_EQ(log(), refusedEverything(201));
     EXPECT_EQ(observer->take(), Lines{"activated 201"});
 
-    launch(failingObserverCreation(202));
-    EXPECT_EQ(takeLog(), Lines{creationFailureLine(202)});
+    launch(failing(202));
+    EXPECT_EQ(log(), creationFailure(202));
     desktop->application(202)->observerCreationFails = false;
-    desktop->runLoop().advance(2.0);
+    advance(2.0);
     EXPECT_TRUE(source->isAttached(202));
 
-    launch(failingObserverCreation(203));
-    EXPECT_EQ(takeLog(), Lines{creationFailureLine(203)});
+    launch(failing(203));
+    EXPECT_EQ(log(), creationFailure(203));
     desktop->terminateApplication(203);
-    desktop->runLoop().advance(30);
+    advance(30);
     EXPECT_EQ(observer->take(), Lines{"terminated 203"});
-    EXPECT_TRUE(takeLog().empty());
+    EXPECT_EQ(log(), "");
 
     // The retry would succeed now.
-    launch(failingObserverCreation(204));
-    EXPECT_EQ(takeLog(), Lines{creationFailureLine(204)});
+    launch(failing(204));
+    EXPECT_EQ(log(), creationFailure(204));
     source->stopObserving();
     desktop->application(204)->observerCreationFails = false;
-    desktop->runLoop().advance(30);
-    EXPECT_EQ(takeLog(), Lines{"Stopped window focus observation"});
+    advance(30);
+    EXPECT_EQ(log(), stopped);
     EXPECT_EQ(observers(204), 0u);
     using Delays = std::vector<std::pair<double, double>>;
     EXPECT_EQ(desktop->runLoop().scheduledTimerHistory(), Delays(5, {2.0, 0.0}));
 }
 
 TEST_F(AccessibilityWindowFocusEventSourceTest, DesktopChangesArriveInPostingOrder) {
-    launch(application(201));
-    launch(application(202));
+    launch(simulatedApplication(201));
+    launch(simulatedApplication(202));
     source->startObserving();
-    takeLog();
+    log();
 
     addWindow(201, 11);
     addWindow(201, 12);
@@ -386,17 +345,17 @@ TEST_F(AccessibilityWindowFocusEventSourceTest, DesktopChangesArriveInPostingOrd
     EXPECT_EQ(observer->timeoutsWhenSent, std::vector<std::optional<float>>(10, 0.25f));
     EXPECT_EQ(observers(201), 1u);
     EXPECT_EQ(observers(202), 1u);
-    EXPECT_TRUE(takeLog().empty());
+    EXPECT_EQ(log(), "");
 }
 
 // A process comes from the element, else from the observer that delivered the notification.
 TEST_F(AccessibilityWindowFocusEventSourceTest, NotificationsNeedAResolvableProcess) {
     auto recording = record();
-    auto unreadable = application(201);
+    auto unreadable = simulatedApplication(201);
     unreadable.processIdentifierLookupFails = true;
     launch(unreadable);
     source->startObserving();
-    takeLog();
+    log();
 
     addWindow(201, 21);
     desktop->focusWindow(21);
@@ -406,52 +365,51 @@ TEST_F(AccessibilityWindowFocusEventSourceTest, NotificationsNeedAResolvableProc
 
     // Arguments the simulation never delivers: a notification nobody asked for, an observer
     // nobody made, an element of process 0.
-    const auto attached = recording->lastObserver();
+    const auto attached = recording->lastObserver.lock();
     ASSERT_NE(attached, nullptr);
     recording->call(attached, 201, "AXTitleChanged");
     recording->call(std::make_shared<AccessibilityObserverObject>(), 201, "AXWindowCreated");
     recording->call(attached, 0, "AXFocusedWindowChanged");
-    EXPECT_TRUE(observer->events.empty());
-    EXPECT_EQ(takeLog(),
-              (Lines{"Dropped Accessibility notification AXWindowCreated: no resolvable process "
-                     "identifier",
-                     "Dropped Accessibility notification AXFocusedWindowChanged: no resolvable "
-                     "process identifier"}));
+    EXPECT_EQ(observer->take(), Lines{});
+    const std::string dropped = ": no resolvable process identifier\n";
+    EXPECT_EQ(log(), "Dropped Accessibility notification AXWindowCreated" + dropped +
+                         "Dropped Accessibility notification AXFocusedWindowChanged" + dropped);
 }
 
 TEST_F(AccessibilityWindowFocusEventSourceTest, EveryDetachUnregistersAndUnschedulesTheObserver) {
     auto recording = record();
-    launch(application(201));
-    launch(application(202));
+    launch(simulatedApplication(201));
+    launch(simulatedApplication(202));
     source->startObserving();
     ASSERT_EQ(recording->sources.size(), 2u);
-    const auto& runLoop = desktop->runLoop();
-    EXPECT_TRUE(runLoop.isSourceScheduled(recording->sources[0]));
-    EXPECT_TRUE(runLoop.isSourceScheduled(recording->sources[1]));
+    const auto scheduled = [&](std::size_t index) {
+        return desktop->runLoop().isSourceScheduled(recording->sources.at(index));
+    };
+    EXPECT_TRUE(scheduled(0) && scheduled(1));
 
     desktop->terminateApplication(201);
     settle();
     EXPECT_EQ(observer->take(), Lines{"terminated 201"});
     EXPECT_FALSE(source->isAttached(201));
     EXPECT_EQ(observers(201), 0u);
-    EXPECT_FALSE(runLoop.isSourceScheduled(recording->sources[0]));
-    EXPECT_TRUE(runLoop.isSourceScheduled(recording->sources[1]));
+    EXPECT_FALSE(scheduled(0));
+    EXPECT_TRUE(scheduled(1));
     EXPECT_EQ(std::exchange(recording->removedNotifications, {}), allNotifications);
 
     source->stopObserving();
-    EXPECT_FALSE(runLoop.isSourceScheduled(recording->sources[1]));
+    EXPECT_FALSE(scheduled(1));
     EXPECT_EQ(std::exchange(recording->removedNotifications, {}), allNotifications);
 
     source->startObserving();
     ASSERT_EQ(recording->sources.size(), 3u);
-    EXPECT_TRUE(runLoop.isSourceScheduled(recording->sources[2]));
+    EXPECT_TRUE(scheduled(2));
     source.reset();
-    EXPECT_FALSE(runLoop.isSourceScheduled(recording->sources[2]));
+    EXPECT_FALSE(scheduled(2));
     EXPECT_EQ(recording->removedNotifications, allNotifications);
 }
 
 TEST_F(AccessibilityWindowFocusEventSourceTest, GoneObserverMissesEventsGoneSourceReleasesAll) {
-    launch(application(201));
+    launch(simulatedApplication(201));
     source->startObserving();
     observer.reset();
     addWindow(201, 11);
@@ -460,23 +418,21 @@ TEST_F(AccessibilityWindowFocusEventSourceTest, GoneObserverMissesEventsGoneSour
 
     auto replacement = std::make_shared<RecordingObserver>();
     source->setObserver(replacement);
-    launch(application(202));
+    launch(simulatedApplication(202));
     addWindow(202, 21);
     settle();
     EXPECT_EQ(replacement->take(), Lines{"created 202 202/21"});
 
-    launch(failingObserverCreation(203));
-    takeLog();
+    launch(failing(203));
+    log();
     source.reset();
     desktop->application(203)->observerCreationFails = false;
     desktop->focusWindow(11);
-    desktop->runLoop().advance(30);
+    advance(30);
 
-    EXPECT_TRUE(replacement->events.empty());
-    EXPECT_TRUE(takeLog().empty());
-    EXPECT_EQ(observers(201), 0u);
-    EXPECT_EQ(observers(202), 0u);
-    EXPECT_EQ(observers(203), 0u);
+    EXPECT_EQ(replacement->take(), Lines{});
+    EXPECT_EQ(log(), "");
+    EXPECT_EQ(observers(201) + observers(202) + observers(203), 0u);
     expectWorkspaceObservers(0);
 }
 

@@ -9,7 +9,9 @@
 #include <vector>
 
 #include "core/ScopedLogCapture.h"
+#include "platform/simulated/SimulatedAccessibilityElement.h"
 #include "recency/MostRecentlyUsedWindowTracker.h"
+#include "support/SimulatedDesktopBuilders.h"
 
 namespace orvane {
 
@@ -22,37 +24,23 @@ namespace {
 using Ids = std::vector<WindowIdentifier>;
 using Lines = std::vector<std::string>;
 
-class CountingFocusEventSource final : public WindowFocusEventSource {
-  public:
+struct CountingFocusEventSource final : WindowFocusEventSource {
     std::weak_ptr<WindowFocusEventObserving> observer() const override { return {}; }
     void setObserver(std::weak_ptr<WindowFocusEventObserving>) override {}
     void startObserving() override { ++startCount; }
     void stopObserving() override { ++stopCount; }
-
-    int startCount = 0;
-    int stopCount = 0;
+    int startCount = 0, stopCount = 0;
 };
 
-// Equal by number alone, so every wrapper made for the same number is the same window.
-class FakeElement final : public AccessibilityElementObject {
-  public:
-    explicit FakeElement(int identifier) : identifier(identifier) {}
-
-    bool isEqualTo(const AccessibilityElementObject& other) const override {
-        const auto* fake = dynamic_cast<const FakeElement*>(&other);
-        return fake != nullptr && fake->identifier == identifier;
-    }
-    std::size_t hashValue() const override { return std::hash<int>{}(identifier); }
-
-    const int identifier;
-};
-
-std::shared_ptr<const AccessibilityWindowElement> element(int identifier) {
+// A fresh object per call, as the platform hands out: equal by number alone.
+std::shared_ptr<const AccessibilityWindowElement> element(int number) {
     return std::make_shared<const AccessibilityWindowElement>(
-        std::make_shared<FakeElement>(identifier));
+        std::make_shared<SimulatedAccessibilityElement>(1, number));
 }
 int numberOf(const AccessibilityWindowElement& element) {
-    return dynamic_cast<const FakeElement&>(*element.underlyingElement()).identifier;
+    return static_cast<int>(
+        dynamic_cast<const SimulatedAccessibilityElement&>(*element.underlyingElement())
+            .windowIdentifier());
 }
 
 // Its element carries the window's own number.
@@ -60,11 +48,9 @@ SwitchableWindow window(WindowIdentifier identifier, ProcessIdentifier process =
     SwitchableWindow result;
     result.windowIdentifier = identifier;
     result.owningProcessIdentifier = process;
-    result.windowTitle = "window " + std::to_string(identifier);
     result.accessibilityElement = element(static_cast<int>(identifier));
     return result;
 }
-
 std::vector<SwitchableWindow> windows(const Ids& identifiers) {
     std::vector<SwitchableWindow> result;
     for (auto identifier : identifiers) {
@@ -72,15 +58,6 @@ std::vector<SwitchableWindow> windows(const Ids& identifiers) {
     }
     return result;
 }
-
-Ids identifiers(const std::vector<SwitchableWindow>& ordered) {
-    Ids result;
-    for (const auto& each : ordered) {
-        result.push_back(each.windowIdentifier);
-    }
-    return result;
-}
-
 class MostRecentlyUsedWindowTrackerTest : public ::testing::Test {
   protected:
     // All the tracker knows, maps in key order, empty parts left out: "stack window@moment |
@@ -124,7 +101,7 @@ class MostRecentlyUsedWindowTrackerTest : public ::testing::Test {
     }
 
     Ids order(const std::vector<SwitchableWindow>& given) {
-        return identifiers(tracker.orderedByRecency(given));
+        return windowIdentifiers(tracker.orderedByRecency(given));
     }
     void focus(int elementIdentifier, double at, ProcessIdentifier process = 7) {
         now = Date{at};
@@ -167,7 +144,7 @@ TEST_F(MostRecentlyUsedWindowTrackerTest, FreshTrackerAnswersTheListAsGivenAndOn
 
     auto ordered = tracker.orderedByRecency(given);
 
-    EXPECT_EQ(identifiers(ordered), (Ids{3, 1, 2}));
+    EXPECT_EQ(windowIdentifiers(ordered), (Ids{3, 1, 2}));
     EXPECT_EQ(ordered[0].lastFocusedTimestamp, Date::distantPast());
     EXPECT_EQ(ordered[1].lastFocusedTimestamp, Date{5});
     EXPECT_EQ(ordered[1].accessibilityElement, given[1].accessibilityElement);
@@ -206,7 +183,7 @@ TEST_F(MostRecentlyUsedWindowTrackerTest, FocusOnUnseenWindowsWaitsThenResolvesI
 
     auto ordered = tracker.orderedByRecency(windows({1, 2, 3}));
 
-    EXPECT_EQ(identifiers(ordered), (Ids{2, 3, 1}));
+    EXPECT_EQ(windowIdentifiers(ordered), (Ids{2, 3, 1}));
     EXPECT_EQ(ordered[0].lastFocusedTimestamp, Date{40});
     EXPECT_EQ(state(), "stack 2@40 3@30 1@1 | owners 1:7 2:7 3:7 | elements 1:1 2:2 3:3");
     EXPECT_EQ(logLines(), (Lines{"Resolved pending focus observation to window 3",
@@ -228,7 +205,7 @@ TEST_F(MostRecentlyUsedWindowTrackerTest, ThirtyThirdPendingFocusEvictsTheOldest
 
     auto ordered = tracker.orderedByRecency(windows(enumerated));
 
-    EXPECT_EQ(identifiers(ordered), expected);
+    EXPECT_EQ(windowIdentifiers(ordered), expected);
     EXPECT_EQ(ordered.back().lastFocusedTimestamp, Date::distantPast());
     EXPECT_EQ(stack().size(), 32u);
     auto lines = logLines();
@@ -276,7 +253,7 @@ TEST_F(MostRecentlyUsedWindowTrackerTest, ActivatedApplicationsFollowTheStack) {
     auto ordered = tracker.orderedByRecency(
         {window(6, 50), window(5, 30), window(4, 40), window(2, 20), window(3, 30), window(1, 10)});
 
-    EXPECT_EQ(identifiers(ordered), (Ids{2, 1, 4, 5, 3, 6}));
+    EXPECT_EQ(windowIdentifiers(ordered), (Ids{2, 1, 4, 5, 3, 6}));
     EXPECT_EQ(ordered[2].lastFocusedTimestamp, Date::distantPast());
     EXPECT_EQ(state(),
               "stack 2@2 1@1 | activated 10@50 30@60 40@65 | owners 1:10 2:20 3:30 4:40 5:30 6:50 "

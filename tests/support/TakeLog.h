@@ -1,10 +1,11 @@
-// Hands over what a log capture holds as one text, a line per record, checking that every record
-// is of the expected category and level.
+// Reads what a log capture holds: as one text, a line per record, checking that every record is of
+// the expected category and level; or as "level: message" lines of one category.
 #pragma once
 
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "core/ScopedLogCapture.h"
 
@@ -18,6 +19,16 @@ inline std::string takeLog(ScopedLogCapture& capture, LogCategory category, LogL
         log += record.message + "\n";
     }
     return log;
+}
+
+inline std::vector<std::string> levelLines(const CapturingLogSink& sink, LogCategory category) {
+    std::vector<std::string> lines;
+    for (const auto& record : sink.records()) {
+        if (record.category == category) {
+            lines.push_back(std::string(logLevelName(record.level)) + ": " + record.message);
+        }
+    }
+    return lines;
 }
 
 }  // namespace orvane

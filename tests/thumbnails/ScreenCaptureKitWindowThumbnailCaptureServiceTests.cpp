@@ -5,9 +5,10 @@
 #include <string>
 #include <vector>
 
-#include "core/ScopedLogCapture.h"
 #include "platform/simulated/SimulatedDesktop.h"
 #include "platform/simulated/SimulatedScreenCapture.h"
+#include "support/SimulatedDesktopBuilders.h"
+#include "support/TakeLog.h"
 #include "thumbnails/ScreenCaptureKitWindowThumbnailCaptureService.h"
 
 namespace orvane {
@@ -21,12 +22,7 @@ constexpr ProcessIdentifier owner = 40;
 
 class ScreenCaptureKitWindowThumbnailCaptureServiceTest : public ::testing::Test {
   protected:
-    void SetUp() override {
-        SimulatedApplication application;
-        application.runningApplication.processIdentifier = owner;
-        desktop->launchApplication(application);
-        runLoop().runUntilIdle();
-    }
+    void SetUp() override { ASSERT_TRUE(desktop->launchApplication(simulatedApplication(owner))); }
     void TearDown() override {
         runLoop().runUntilIdle();
         EXPECT_EQ(service->inFlightCaptureCount(), 0u);
@@ -34,9 +30,7 @@ class ScreenCaptureKitWindowThumbnailCaptureServiceTest : public ::testing::Test
     }
 
     void addWindow(WindowIdentifier identifier, Rect bounds = {{0, 0}, {1600, 1000}}) {
-        SimulatedWindow window;
-        window.windowIdentifier = identifier;
-        window.owningProcessIdentifier = owner;
+        auto window = simulatedWindow(identifier, owner);
         window.bounds = bounds;
         ASSERT_TRUE(desktop->createWindow(window, false));
     }
@@ -57,15 +51,7 @@ class ScreenCaptureKitWindowThumbnailCaptureServiceTest : public ::testing::Test
         EXPECT_EQ(answers->size(), 1u);
         return answers->empty() ? std::nullopt : answers->front();
     }
-    Lines lines() {
-        Lines result;
-        for (const auto& record : logs.sink().records()) {
-            if (record.category == LogCategory::thumbnailcapture) {
-                result.push_back(std::string(logLevelName(record.level)) + ": " + record.message);
-            }
-        }
-        return result;
-    }
+    Lines lines() { return levelLines(logs.sink(), LogCategory::thumbnailcapture); }
     SimulatedRunLoop& runLoop() { return desktop->runLoop(); }
 
     ScopedLogCapture logs;
