@@ -1,5 +1,6 @@
 // The program's life over the simulated machine: launch with and without Accessibility, the retry
-// for the tap, the activation sweep, revocation, reopen and teardown.
+// for the tap, the activation sweep, revocation and teardown. (Reopen and the Settings route are
+// pinned by the scenario suite.)
 
 #include <gtest/gtest.h>
 
@@ -10,7 +11,6 @@
 #include "app/OrvaneApp.h"
 #include "core/ScopedLogCapture.h"
 #include "platform/simulated/SimulatedKeyboardEvent.h"
-#include "preferences/SettingsPane.h"
 #include "simulator/SimulatedMachine.h"
 
 namespace orvane {
@@ -192,21 +192,6 @@ TEST_F(ApplicationLifecycleTest, RevocationEndsTheSessionUnactivatedAndRaisesOne
     EXPECT_EQ(machine.application->windows(), std::vector<PlatformWindowHandle>{*window});
     EXPECT_EQ(machine.application->activationCount(), activations + 1);
     EXPECT_EQ(machine.application->keyWindow(), window);
-}
-
-TEST_F(ApplicationLifecycleTest, ReopenOpensGeneralSettingsOnlyWithoutVisibleWindows) {
-    launch();
-    Lines panes;
-    machine.applicationNotifications->addObserver(
-        openSettingsPaneNotificationName, [&](const PlatformNotification& notification) {
-            panes.push_back(notification.userInfo.at(settingsPaneUserInfoKey));
-        });
-    EXPECT_FALSE(delegate().applicationShouldHandleReopen(true));
-    EXPECT_TRUE(panes.empty());
-    EXPECT_FALSE(delegate().applicationShouldHandleReopen(false));
-    EXPECT_EQ(panes, Lines{"general"});
-    EXPECT_EQ(machine.application->showSettingsWindowCount(), 1u);
-    EXPECT_FALSE(delegate().applicationShouldTerminateAfterLastWindowClosed());
 }
 
 TEST_F(ApplicationLifecycleTest, QuitDuringASessionActivatesNothingAndRemovesTheTapFirst) {
