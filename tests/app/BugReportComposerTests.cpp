@@ -1,11 +1,12 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <map>
 #include <memory>
 #include <optional>
-#include <sstream>
 #include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "app/BugReportComposer.h"
@@ -24,15 +25,8 @@ namespace orvane {
 namespace {
 
 using namespace std::string_literals;
-
-std::vector<std::string> lines(const std::string& text) {
-    std::vector<std::string> result;
-    std::istringstream stream(text);
-    for (std::string line; std::getline(stream, line);) {
-        result.push_back(line);
-    }
-    return result;
-}
+using ::testing::HasSubstr;
+using Info = std::map<std::string, PropertyListValue>;
 
 class BugReportComposerTest : public ::testing::Test {
   protected:
@@ -52,47 +46,38 @@ class BugReportComposerTest : public ::testing::Test {
     std::shared_ptr<PermissionStatusCoordinator> coordinator =
         PermissionStatusCoordinator::make(permissions, std::make_shared<SimulatedRunLoop>(),
                                           std::make_shared<SimulatedNotificationCenter>());
-    std::shared_ptr<SimulatedBundle> bundle =
-        std::make_shared<SimulatedBundle>(std::map<std::string, PropertyListValue>{
-            {"CFBundleShortVersionString", "1.4.0"}, {"CFBundleVersion", "57"}});
+    std::shared_ptr<SimulatedBundle> bundle = std::make_shared<SimulatedBundle>(
+        Info{{"CFBundleShortVersionString", "1.4.0"}, {"CFBundleVersion", "57"}});
     std::shared_ptr<SimulatedSystemInformation> system =
         std::make_shared<SimulatedSystemInformation>();
     std::shared_ptr<SimulatedPasteboard> pasteboard = std::make_shared<SimulatedPasteboard>();
 };
 
-TEST_F(BugReportComposerTest, DiagnosticsTextIsSixExactLinesAndAsksPermissionsAnew) {
+TEST_F(BugReportComposerTest, DiagnosticsAskThePermissionsAnewAndTheRefusedURLIsLogged) {
     const auto composer = this->composer();
-    EXPECT_EQ(composer.diagnosticsText(),
-              "Environment (no personal information):\n"
-              "App:      Orvane 1.4.0 (57)\n"
-              "macOS:    Version 14.5 (Build 23F79)\n"
-              "Hardware: Mac15,3\n"
-              "Accessibility: granted\n"
-              "Screen Recording: not granted");
-
+    EXPECT_TRUE(composer.diagnosticsText().ends_with(
+        "\nHardware: Mac15,3\nAccessibility: granted\nScreen Recording: not granted"));
     permissions->setAccessibilityTrusted(false);
     permissions->setScreenRecordingGranted(true);
     EXPECT_TRUE(composer.diagnosticsText().ends_with(
         "\nHardware: Mac15,3\nAccessibility: not granted\nScreen Recording: granted"));
     EXPECT_TRUE(logs.sink().records().empty());
+
+    EXPECT_EQ(this->composer("//support@brimcote.com").composeBugReportURL(), std::nullopt);
+    EXPECT_EQ(takeLog(logs, LogCategory::diagnostics, LogLevel::error),
+              "Failed to compose the bug report mailto URL.\n");
 }
 
 TEST_F(BugReportComposerTest, EachMissingOrNonTextVersionValueBecomesAnEmDash) {
-    using Value = std::optional<PropertyListValue>;
-    const std::vector<std::tuple<Value, Value, std::string>> cases{
-        {"1.2", std::nullopt, "App:      Orvane 1.2 (—)"},
-        {12, true, "App:      Orvane — (—)"},
-        {std::nullopt, "34", "App:      Orvane — (34)"},
+    const std::vector<std::pair<Info, std::string>> cases{
+        {{{"CFBundleShortVersionString", "1.2"}}, "1.2 (—)"},
+        {{{"CFBundleShortVersionString", 12}, {"CFBundleVersion", true}}, "— (—)"},
+        {{{"CFBundleVersion", "34"}}, "— (34)"},
     };
-    for (const auto& [shortVersion, build, expected] : cases) {
-        bundle = std::make_shared<SimulatedBundle>();
-        if (shortVersion) {
-            bundle->setInfoDictionaryValue("CFBundleShortVersionString", *shortVersion);
-        }
-        if (build) {
-            bundle->setInfoDictionaryValue("CFBundleVersion", *build);
-        }
-        EXPECT_EQ(lines(composer().diagnosticsText())[1], expected);
+    for (const auto& [info, expected] : cases) {
+        bundle = std::make_shared<SimulatedBundle>(info);
+        EXPECT_THAT(composer().diagnosticsText(),
+                    HasSubstr("\nApp:      Orvane " + expected + "\nmacOS:"));
     }
 }
 
@@ -112,39 +97,10 @@ TEST_F(BugReportComposerTest, HardwareModelIsCutAtItsZeroByteRepairedOrUnknown) 
         if (failure) {
             system->setSysctlFailure("hw.model", *failure);
         }
-        EXPECT_EQ(lines(composer().diagnosticsText())[3], "Hardware: " + expected) << bytes;
+        EXPECT_THAT(composer().diagnosticsText(),
+                    HasSubstr("\nHardware: " + expected + "\nAccessibility:"))
+            << bytes;
     }
-}
-
-TEST_F(BugReportComposerTest, MailURLCarriesSubjectAndFormHeadFollowedByDiagnostics) {
-    const auto composer = this->composer();
-    const auto url = composer.composeBugReportURL();
-    ASSERT_TRUE(url.has_value());
-    EXPECT_TRUE(
-        url->starts_with("mailto:support@brimcote.com?subject=Orvane%20bug%20report&body="
-                         "Describe%20what%20happened,%20and%20what"))
-        << *url;
-    EXPECT_EQ(url->find_first_of("\n "), std::string::npos);
-    EXPECT_NE(url->find("%0A%0ASteps%20to%20reproduce:%0A1.%0A%0A%E2%94%80%E2%94%80"),
-              std::string::npos);
-
-    const std::string head =
-        "Describe what happened, and what you expected instead:\n\n\nSteps to reproduce:\n1.\n\n"
-        "────────────────────────────────────────\n";
-    EXPECT_EQ(head.size(), 202u);
-    const auto items = SimulatedUrlComponents::queryItems(*url);
-    ASSERT_EQ(items.size(), 2u);
-    EXPECT_EQ(items[0].name, "subject");
-    EXPECT_EQ(items[0].value, "Orvane bug report");
-    EXPECT_EQ(items[1].name, "body");
-    EXPECT_EQ(items[1].value, head + composer.diagnosticsText());
-    EXPECT_TRUE(logs.sink().records().empty());
-}
-
-TEST_F(BugReportComposerTest, URLThePlatformRefusesGivesNothingAndTheErrorLine) {
-    EXPECT_EQ(composer("//support@brimcote.com").composeBugReportURL(), std::nullopt);
-    EXPECT_EQ(takeLog(logs, LogCategory::diagnostics, LogLevel::error),
-              "Failed to compose the bug report mailto URL.\n");
 }
 
 TEST_F(BugReportComposerTest, CopyLeavesOnlyTheDiagnosticsTextOnThePasteboard) {

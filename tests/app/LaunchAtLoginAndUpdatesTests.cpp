@@ -27,10 +27,7 @@ TEST(LaunchAtLoginConfiguratorTest, LogsEachChangeAndAbsorbsFailuresWithTheValue
 
     loginItem->setFailure("Operation not permitted");
     configurator.setLaunchAtLoginEnabled(true);
-    EXPECT_EQ(loginItem->status(), LoginItemStatus::notRegistered);
-    loginItem->setStatus(LoginItemStatus::enabled);
     configurator.setLaunchAtLoginEnabled(false);
-    EXPECT_EQ(loginItem->status(), LoginItemStatus::enabled);
     EXPECT_EQ(takeLog(logs, LogCategory::preferences, LogLevel::error),
               "failed to set launch-at-login to true: Operation not permitted\n"
               "failed to set launch-at-login to false: Operation not permitted\n");
@@ -51,21 +48,14 @@ class CheckRecordingUpdater final : public SimulatedUpdater {
     CapturingLogSink& sink_;
 };
 
-class SparkleSoftwareUpdateServiceTest : public ::testing::Test {
-  protected:
+TEST(SparkleSoftwareUpdateServiceTest, MirrorsRealChangesPassesSettingsOnAndLogsBeforeChecking) {
     ScopedLogCapture logs;
-    std::shared_ptr<CheckRecordingUpdater> updater =
-        std::make_shared<CheckRecordingUpdater>(logs.sink());
-};
-
-TEST_F(SparkleSoftwareUpdateServiceTest, MirrorsOnlyRealChangesAndLetsGoOfTheUpdater) {
+    auto updater = std::make_shared<CheckRecordingUpdater>(logs.sink());
     updater->setCanCheckForUpdates(true);
     auto service = SparkleSoftwareUpdateService::make(updater);
     EXPECT_EQ(updater->startCount(), 1u);
     EXPECT_TRUE(service->canCheckForUpdates());
     EXPECT_EQ(updater->observerCount(), 1u);
-    EXPECT_EQ(takeLog(logs, LogCategory::softwareupdates, LogLevel::info),
-              "Sparkle updater started.\n");
 
     std::vector<bool> heard;
     service->observeCanCheckForUpdates([&](const bool& canCheck) { heard.push_back(canCheck); });
@@ -74,34 +64,25 @@ TEST_F(SparkleSoftwareUpdateServiceTest, MirrorsOnlyRealChangesAndLetsGoOfTheUpd
     }
     EXPECT_EQ(heard, (std::vector<bool>{false, true}));
 
+    service->setAutomaticallyChecksForUpdates(true);
+    EXPECT_TRUE(updater->automaticallyChecksForUpdates());
+    updater->setAutomaticallyChecksForUpdates(false);
+    EXPECT_FALSE(service->automaticallyChecksForUpdates());
+    service->setAutomaticallyChecksForUpdates(false);
+    service->checkForUpdates();
+    ASSERT_EQ(updater->checkCount(), 1u);
+    EXPECT_EQ(updater->logAtCheck.back(), "User-initiated update check requested.");
+    EXPECT_EQ(takeLog(logs, LogCategory::softwareupdates, LogLevel::info),
+              "Sparkle updater started.\n"
+              "Automatic update checks set to true.\n"
+              "Automatic update checks set to false.\n"
+              "User-initiated update check requested.\n");
+
     // The observation must not keep the service alive, and goes with it.
     std::weak_ptr<SparkleSoftwareUpdateService> weak = service;
     service.reset();
     EXPECT_TRUE(weak.expired());
     EXPECT_EQ(updater->observerCount(), 0u);
-    EXPECT_EQ(updater->checkCount(), 0u);
-}
-
-TEST_F(SparkleSoftwareUpdateServiceTest, AutomaticChecksLiveInTheUpdaterAndCheckLogsFirst) {
-    auto service = SparkleSoftwareUpdateService::make(updater);
-    EXPECT_FALSE(service->canCheckForUpdates());
-    logs.sink().clear();
-
-    service->setAutomaticallyChecksForUpdates(true);
-    EXPECT_TRUE(updater->automaticallyChecksForUpdates());
-    EXPECT_TRUE(service->automaticallyChecksForUpdates());
-    updater->setAutomaticallyChecksForUpdates(false);
-    EXPECT_FALSE(service->automaticallyChecksForUpdates());
-    service->setAutomaticallyChecksForUpdates(false);
-
-    service->checkForUpdates();
-    EXPECT_EQ(updater->checkCount(), 1u);
-    ASSERT_FALSE(updater->logAtCheck.empty());
-    EXPECT_EQ(updater->logAtCheck.back(), "User-initiated update check requested.");
-    EXPECT_EQ(takeLog(logs, LogCategory::softwareupdates, LogLevel::info),
-              "Automatic update checks set to true.\n"
-              "Automatic update checks set to false.\n"
-              "User-initiated update check requested.\n");
 }
 
 }  // namespace

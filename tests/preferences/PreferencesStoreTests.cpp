@@ -6,14 +6,16 @@
 #include <tuple>
 #include <vector>
 
-#include "core/ScopedLogCapture.h"
 #include "platform/simulated/SimulatedNotificationCenter.h"
 #include "platform/simulated/SimulatedUserDefaults.h"
 #include "preferences/PreferencesStore.h"
 #include "preferences/SettingsPane.h"
+#include "support/TakeLog.h"
 
 namespace orvane {
 namespace {
+
+using Lines = std::vector<std::string>;
 
 SwitcherPreferences changedRecord() {
     SwitcherPreferences record;
@@ -32,19 +34,21 @@ class PreferencesStoreTest : public ::testing::Test {
     std::optional<std::string> stored() const {
         return defaults->dataForKey(preferencesDefaultsKey);
     }
-    std::size_t writes() const { return defaults->writeCount(preferencesDefaultsKey); }
+    // The two records the tests store by name, anything else as it is.
+    std::string name(const std::optional<std::string>& bytes) const {
+        return bytes == encoded({})                ? "default"
+               : bytes == encoded(changedRecord()) ? "changed"
+                                                   : *bytes;
+    }
 
     std::shared_ptr<SimulatedUserDefaults> defaults = std::make_shared<SimulatedUserDefaults>();
     ScopedLogCapture capture;
 };
 
-TEST_F(PreferencesStoreTest, LoadsStoredRecordOrFallsBackToDefaultsSilently) {
-    // A first start: no key, defaults, and the key stays absent.
-    {
-        PreferencesStore store(defaults);
-        EXPECT_EQ(store.preferences(), SwitcherPreferences{});
-        EXPECT_FALSE(stored().has_value());
-    }
+TEST_F(PreferencesStoreTest, LoadsTheStoredRecordOrSilentlyTheDefaults) {
+    EXPECT_EQ(PreferencesStore(defaults).preferences(), SwitcherPreferences{});
+    EXPECT_EQ(stored(), std::nullopt) << "a first start writes nothing";
+
     defaults->setData(preferencesDefaultsKey,
                       R"({"cardSize":"small","shortcutConfiguration":{"triggerKeyCode":50}})");
     SwitcherPreferences expected;
@@ -55,84 +59,40 @@ TEST_F(PreferencesStoreTest, LoadsStoredRecordOrFallsBackToDefaultsSilently) {
     // Neither JSON nor a decodable record, and a single bad value loses every field.
     for (const std::string bad : {"not json", R"({"thumbnailsEnabled":false,"cardSize":"huge"})"}) {
         defaults->setData(preferencesDefaultsKey, bad);
-        const auto writesBefore = writes();
-        PreferencesStore store(defaults);
-        EXPECT_EQ(store.preferences(), SwitcherPreferences{}) << bad;
+        EXPECT_EQ(PreferencesStore(defaults).preferences(), SwitcherPreferences{}) << bad;
         EXPECT_EQ(stored(), bad);
-        EXPECT_EQ(writes(), writesBefore);
     }
     EXPECT_TRUE(capture.sink().records().empty());
 }
 
-TEST_F(PreferencesStoreTest, BadBytesSurviveUntilFirstWriteEvenOfAnEqualRecord) {
-    defaults->setData(preferencesDefaultsKey, R"({"cardSize":"huge"})");
+TEST_F(PreferencesStoreTest, WritesEveryRecordAndAnnouncesChangesOnEitherSideOfTheWrite) {
+    defaults->setData(preferencesDefaultsKey, "bad");
     PreferencesStore store(defaults);
-    int told = 0;
-    store.observePreferences([&](const SwitcherPreferences&) { ++told; });
-    store.observePreferencesWillChange([&](const SwitcherPreferences&) { ++told; });
-    EXPECT_EQ(stored(), R"({"cardSize":"huge"})");
+    Lines events;
+    const auto note = [&](std::string when) {
+        return [&, when](const SwitcherPreferences& told) {
+            events.push_back(when + " " + name(encoded(told)) + ", stored " + name(stored()));
+        };
+    };
+    store.observePreferencesWillChange(note("will"));
+    const auto token = store.observePreferences(note("did"));
 
+    // Bad bytes survive until the first write, even of an equal record, which nobody hears of.
     store.setPreferences(SwitcherPreferences{});
-    EXPECT_EQ(stored(), encoded(SwitcherPreferences{}));
-    EXPECT_EQ(stored(),
-              R"({"shortcutConfiguration":{"holdModifier":"option","triggerKeyCode":48},)"
-              R"("reverseCyclingEnabled":true,"sameApplicationCyclingEnabled":true,)"
-              R"("thumbnailsEnabled":true,"overlayLayoutStyle":"row","cardSize":"medium",)"
-              R"("menuBarIconVisible":true})");
-    EXPECT_EQ(told, 0);
-    EXPECT_EQ(PreferencesStore(defaults).preferences(), SwitcherPreferences{});
-}
-
-TEST_F(PreferencesStoreTest, ChangeIsPersistedBetweenTheTwoNotices) {
-    PreferencesStore store(defaults);
-    store.setPreferences(SwitcherPreferences{});
-    std::vector<std::string> events;
-    store.observePreferencesWillChange([&](const SwitcherPreferences& current) {
-        // Nothing has been written yet: the record still current is the stored one.
-        EXPECT_EQ(stored(), encoded(current));
-        events.push_back("will:" + stored().value_or("<absent>"));
-    });
-    const auto token = store.observePreferences([&](const SwitcherPreferences& current) {
-        EXPECT_EQ(current, changedRecord());
-        EXPECT_EQ(store.preferences(), changedRecord());
-        events.push_back("did:" + stored().value_or("<absent>"));
-    });
-
+    EXPECT_EQ(stored(), encoded({}));
     store.setPreferences(changedRecord());
-    EXPECT_EQ(events, (std::vector<std::string>{"will:" + encoded(SwitcherPreferences{}),
-                                                "did:" + encoded(changedRecord())}));
-
-    // An equal record is rewritten but announced to nobody.
-    events.clear();
-    const auto writesBefore = writes();
+    EXPECT_EQ(store.preferences(), changedRecord());
+    const auto writes = defaults->writeCount(preferencesDefaultsKey);
     store.setPreferences(changedRecord());
-    EXPECT_TRUE(events.empty());
-    EXPECT_EQ(writes(), writesBefore + 1);
-
+    EXPECT_EQ(defaults->writeCount(preferencesDefaultsKey), writes + 1);
+    // A change in place is announced without comparing.
+    store.modifyPreferences([](SwitcherPreferences&) {});
     store.removePreferencesObserver(token);
-    store.setPreferences(SwitcherPreferences{});
-    EXPECT_EQ(events, std::vector<std::string>{"will:" + encoded(changedRecord())});
-    EXPECT_EQ(stored(), encoded(SwitcherPreferences{}));
-}
-
-TEST_F(PreferencesStoreTest, InPlaceChangeAnnouncesWithoutComparing) {
-    PreferencesStore store(defaults);
-    std::vector<std::string> events;
-    store.observePreferencesWillChange(
-        [&](const SwitcherPreferences&) { events.push_back("will"); });
-    store.observePreferences([&](const SwitcherPreferences&) { events.push_back("did"); });
-
-    store.modifyPreferences([](SwitcherPreferences& record) { record.menuBarIconVisible = true; });
-    EXPECT_EQ(events, (std::vector<std::string>{"will", "did"}));
-    EXPECT_EQ(stored(), encoded(SwitcherPreferences{}));
-
-    store.modifyPreferences([](SwitcherPreferences& record) {
-        record.overlayLayoutStyle = SwitcherOverlayLayoutStyle::grid;
-    });
-    EXPECT_EQ(store.preferences().overlayLayoutStyle, SwitcherOverlayLayoutStyle::grid);
-    EXPECT_EQ(PreferencesStore(defaults).preferences().overlayLayoutStyle,
-              SwitcherOverlayLayoutStyle::grid);
-    EXPECT_EQ(events.size(), 4u);
+    store.modifyPreferences([](SwitcherPreferences& record) { record = {}; });
+    EXPECT_EQ(stored(), encoded({}));
+    EXPECT_EQ(events, (Lines{"will default, stored default", "did changed, stored changed",
+                             "will changed, stored changed", "did changed, stored changed",
+                             "will changed, stored changed"}));
 }
 
 TEST_F(PreferencesStoreTest, EncodeFailureIsLoggedAndLeavesStoredBytesAlone) {
@@ -146,20 +106,16 @@ TEST_F(PreferencesStoreTest, EncodeFailureIsLoggedAndLeavesStoredBytesAlone) {
     store.observePreferences([&](const SwitcherPreferences&) { ++told; });
 
     store.setPreferences(changedRecord());
-    const auto records = capture.sink().records();
-    ASSERT_EQ(records.size(), 1u);
-    EXPECT_EQ(records[0].category, LogCategory::preferences);
-    EXPECT_EQ(records[0].level, LogLevel::error);
-    EXPECT_EQ(records[0].message, "failed to persist preferences: encoder refused");
+    EXPECT_EQ(takeLog(capture, LogCategory::preferences, LogLevel::error),
+              "failed to persist preferences: encoder refused\n");
     EXPECT_EQ(stored(), "old bytes");
     EXPECT_EQ(store.preferences(), changedRecord());
     EXPECT_EQ(told, 1);
-
     // No retry of its own: the next write tries again.
     failing = false;
     store.setPreferences(changedRecord());
     EXPECT_EQ(stored(), encoded(changedRecord()));
-    EXPECT_EQ(capture.sink().records().size(), 1u);
+    EXPECT_TRUE(capture.sink().records().empty());
 }
 
 TEST(SettingsPaneTest, RawValuesTitlesAndOrder) {
@@ -181,31 +137,24 @@ TEST(SettingsPaneTest, RawValuesTitlesAndOrder) {
 TEST(SettingsPaneTest, OpenPostsNotificationBeforeActivatingAndLogsUnhandledAction) {
     ScopedLogCapture capture;
     SimulatedNotificationCenter center;
-    std::vector<std::string> events;
+    Lines events;
     center.addObserver("brimcote.orvane.open-settings-pane", [&](const PlatformNotification& note) {
         EXPECT_FALSE(note.application.has_value());
         EXPECT_EQ(note.userInfo, (std::map<std::string, std::string>{{"pane", "shortcuts"}}));
         events.push_back("posted");
     });
-    bool handled = true;
-    const auto activate = [&] { events.push_back("activated"); };
-    const auto show = [&] {
-        events.push_back("action");
-        return handled;
-    };
-
-    openSettingsPane(SettingsPane::shortcuts, center, activate, show);
-    EXPECT_EQ(events, (std::vector<std::string>{"posted", "activated", "action"}));
-    EXPECT_TRUE(capture.sink().records().empty());
-
-    handled = false;
-    openSettingsPane(SettingsPane::shortcuts, center, activate, show);
-    EXPECT_EQ(events.size(), 6u);
-    const auto records = capture.sink().records();
-    ASSERT_EQ(records.size(), 1u);
-    EXPECT_EQ(records[0].category, LogCategory::preferences);
-    EXPECT_EQ(records[0].level, LogLevel::error);
-    EXPECT_EQ(records[0].message, "showSettingsWindow: action was not handled");
+    for (bool handled : {true, false}) {
+        openSettingsPane(
+            SettingsPane::shortcuts, center, [&] { events.push_back("activated"); },
+            [&] {
+                events.push_back("action");
+                return handled;
+            });
+        EXPECT_EQ(events, (Lines{"posted", "activated", "action"}));
+        events.clear();
+    }
+    EXPECT_EQ(takeLog(capture, LogCategory::preferences, LogLevel::error),
+              "showSettingsWindow: action was not handled\n");
 }
 
 }  // namespace

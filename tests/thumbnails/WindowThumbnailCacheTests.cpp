@@ -64,19 +64,13 @@ TEST_F(WindowThumbnailCacheTest, StorePurgesExpiredEntriesOfEveryWindow) {
     EXPECT_EQ(cache.entriesByWindowIdentifier().at(9).storedAtDate, Date{1003});
 }
 
-TEST_F(WindowThumbnailCacheTest, StoringAgainReplacesTheImageAndRestartsItsTime) {
+TEST_F(WindowThumbnailCacheTest, StoringAgainRestartsTheTimeAndLookUpsRenewNothing) {
     storeAt(1000, 11, 4);
     storeAt(1002, 12, 4);
     EXPECT_EQ(lookUpAt(1004.9, 4), image(12));
+    EXPECT_EQ(lookUpAt(1005, 5), std::nullopt);
+    EXPECT_EQ(storedIdentifiers(), Ids{4}) << "a miss touches no other entry";
     EXPECT_EQ(lookUpAt(1005, 4), std::nullopt);
-}
-
-TEST_F(WindowThumbnailCacheTest, LookUpsNeitherRenewNorTouchOtherEntries) {
-    storeAt(1000, 11, 4);
-    EXPECT_EQ(lookUpAt(1002.9, 4), image(11));
-    EXPECT_EQ(lookUpAt(1003, 5), std::nullopt);
-    EXPECT_EQ(storedIdentifiers(), Ids{4});
-    EXPECT_EQ(lookUpAt(1003, 4), std::nullopt);
     EXPECT_EQ(storedIdentifiers(), Ids{});
 }
 
