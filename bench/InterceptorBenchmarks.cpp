@@ -59,8 +59,8 @@ class DefaultPreferences final : public PreferencesProviding {
 
 struct Harness {
     std::shared_ptr<TrivialSessionDriver> session = std::make_shared<TrivialSessionDriver>();
-    GlobalShortcutInterceptor interceptor{session, std::make_shared<ClosedLauncher>(),
-                                          std::make_shared<DefaultPreferences>()};
+    GlobalShortcutInterceptor interceptor{
+        session, std::make_shared<ClosedLauncher>(), std::make_shared<DefaultPreferences>(), {}};
 };
 
 // Each iteration handles two events; this reports the time of one.

@@ -33,11 +33,12 @@ class GlobalShortcutInterceptor : public std::enable_shared_from_this<GlobalShor
     };
 
     // Held by a `std::shared_ptr` when a tap is to be installed: the interruption observers hold
-    // it weakly. It must outlive its tap; the tap's callback holds no reference of its own.
+    // it weakly. It must outlive its tap; the tap's callback holds no reference of its own. With
+    // an empty `platform` only the decision on events works; installing a tap fails, logged.
     GlobalShortcutInterceptor(std::shared_ptr<SwitcherSessionDriving> sessionDriver,
                               std::shared_ptr<LauncherSessionDriving> launcherSessionDriver,
                               std::shared_ptr<PreferencesProviding> preferencesProvider,
-                              Platform platform = {});
+                              Platform platform);
 
     // Creates and enables the tap if there is none; true when a tap exists afterwards.
     bool installEventTap();

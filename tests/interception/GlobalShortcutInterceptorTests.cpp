@@ -176,7 +176,7 @@ class GlobalShortcutInterceptorTest : public ::testing::Test {
     std::shared_ptr<RecordingDrivers> drivers_ = std::make_shared<RecordingDrivers>();
     std::shared_ptr<FakePreferencesProvider> preferences_ =
         std::make_shared<FakePreferencesProvider>();
-    GlobalShortcutInterceptor interceptor_{drivers_, drivers_, preferences_};
+    GlobalShortcutInterceptor interceptor_{drivers_, drivers_, preferences_, {}};
 };
 
 TEST_F(GlobalShortcutInterceptorTest, GestureStartsStepsAndCommitsOrCancels) {
