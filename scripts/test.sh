@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing, then builds and runs every test twice: a normal build, and one under
-# AddressSanitizer and UndefinedBehaviorSanitizer. Also checks the formatting.
+# AddressSanitizer and UndefinedBehaviorSanitizer, then runs each fuzz target for a short while on
+# its kept corpus. Also checks the formatting.
 set -euo pipefail
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 cd "$root"
@@ -22,3 +23,6 @@ cmake -S . -B build/sanitize -G Ninja -DCMAKE_BUILD_TYPE=Debug -DORVANE_SANITIZE
 cmake --build build/sanitize -j "$jobs"
 ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
     ctest --test-dir build/sanitize --output-on-failure -j "$jobs"
+
+echo "== Fuzzing, ${SECONDS_PER_TARGET:-25} s a target"
+bash scripts/fuzz.sh

@@ -107,8 +107,17 @@ OrvaneApplicationDelegate* SimulatedProgram::delegate() const {
 
 void SimulatedProgram::perform(const ScenarioStep& step) {
     const auto before = observe();
+    auto* program = delegate();
+    const bool sessionWasActive =
+        program != nullptr && program->switcherSessionCoordinator()->isSessionActive();
+    const auto previousIndex = program ? program->switcherSessionCoordinator()->selectedIndex() : 0;
     std::visit([&](const auto& action) { perform(step.lineNumber, action); }, step.action);
     settle();
+    // Key events tell of their session themselves, before their result; anything else that ends
+    // one (a revocation, sleep, a lock, a disabled tap, quitting) is told here.
+    if (program != nullptr && !std::holds_alternative<KeyEventStep>(step.action)) {
+        reportSessionChange(sessionWasActive, previousIndex);
+    }
     const auto after = observe();
     if (after.frontmost != before.frontmost) {
         // Another application came forward: the program is no longer the active one.

@@ -6,18 +6,14 @@ namespace orvane {
 
 namespace {
 
-std::optional<AccessibilityGeometryValue> readGeometryAttribute(
-    const AccessibilityPort& accessibility, const AccessibilityElementHandle& element,
-    std::string_view attribute) {
+std::optional<AccessibilityValue> readAttribute(const AccessibilityPort& accessibility,
+                                                const AccessibilityElementHandle& element,
+                                                std::string_view attribute) {
     auto reading = accessibility.copyAttributeValue(element, attribute);
-    if (reading.error != accessibility_error::success || !reading.value) {
+    if (reading.error != accessibility_error::success) {
         return std::nullopt;
     }
-    const auto* geometry = std::get_if<AccessibilityGeometryValue>(&reading.value->storage);
-    if (geometry == nullptr) {
-        return std::nullopt;
-    }
-    return *geometry;
+    return std::move(reading.value);
 }
 
 }  // namespace
@@ -30,16 +26,21 @@ std::optional<Rect> AccessibilityWindowElement::readScreenFrame(
     if (!underlyingElement_) {
         return std::nullopt;
     }
-    auto position = readGeometryAttribute(accessibility, underlyingElement_, "AXPosition");
+    const auto position = readAttribute(accessibility, underlyingElement_, "AXPosition");
     if (!position) {
         return std::nullopt;
     }
-    auto size = readGeometryAttribute(accessibility, underlyingElement_, "AXSize");
+    const auto size = readAttribute(accessibility, underlyingElement_, "AXSize");
     if (!size) {
         return std::nullopt;
     }
-    auto origin = position->pointValue();
-    auto extent = size->sizeValue();
+    const auto* positionValue = std::get_if<AccessibilityGeometryValue>(&position->storage);
+    const auto* sizeValue = std::get_if<AccessibilityGeometryValue>(&size->storage);
+    if (positionValue == nullptr || sizeValue == nullptr) {
+        return std::nullopt;
+    }
+    auto origin = positionValue->pointValue();
+    auto extent = sizeValue->sizeValue();
     if (!origin || !extent) {
         return std::nullopt;
     }

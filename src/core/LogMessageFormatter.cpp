@@ -1,6 +1,8 @@
 #include "core/LogMessageFormatter.h"
 
+#include <cmath>
 #include <cstdio>
+#include <optional>
 
 namespace orvane {
 
@@ -8,7 +10,9 @@ namespace {
 
 enum class LengthModifier { characterWidth, shortWidth, plain, longWidth };
 
-std::int64_t asSigned(const LogArgument::Storage& value) {
+// The integer an argument stands for; nothing for a number no 64-bit integer holds (NaN, an
+// infinity, a magnitude of 2^63 or more), whose conversion would be undefined.
+std::optional<std::int64_t> asSigned(const LogArgument::Storage& value) {
     if (const auto* integer = std::get_if<std::int64_t>(&value)) {
         return *integer;
     }
@@ -16,6 +20,10 @@ std::int64_t asSigned(const LogArgument::Storage& value) {
         return static_cast<std::int64_t>(*integer);
     }
     if (const auto* number = std::get_if<double>(&value)) {
+        constexpr double limit = 9223372036854775808.0;  // 2^63
+        if (!std::isfinite(*number) || *number >= limit || *number < -limit) {
+            return std::nullopt;
+        }
         return static_cast<std::int64_t>(*number);
     }
     if (const auto* flag = std::get_if<bool>(&value)) {
@@ -72,7 +80,7 @@ std::string renderText(const LogArgument::Storage& value) {
     if (const auto* integer = std::get_if<std::uint64_t>(&value)) {
         return std::to_string(*integer);
     }
-    return std::to_string(asSigned(value));
+    return std::to_string(asSigned(value).value_or(0));
 }
 
 bool annotationHasBool(std::string_view annotation) {
@@ -160,22 +168,33 @@ std::string LogMessageFormatter::format(std::string_view formatString,
             continue;
         }
         const auto& value = arguments[nextArgument++].storage();
+        const bool integral =
+            conversion == 'd' || conversion == 'i' || conversion == 'u' || conversion == 'x';
+        std::int64_t integer = 0;
+        if (integral) {
+            const auto converted = asSigned(value);
+            if (!converted) {
+                result.append(renderText(value));
+                continue;
+            }
+            integer = *converted;
+        }
         switch (conversion) {
             case 'd':
             case 'i':
                 if (annotationHasBool(annotation)) {
-                    result.append(asSigned(value) != 0 ? "true" : "false");
+                    result.append(integer != 0 ? "true" : "false");
                 } else {
-                    result.append(renderSigned(asSigned(value), length));
+                    result.append(renderSigned(integer, length));
                 }
                 break;
             case 'u':
-                result.append(renderUnsigned(static_cast<std::uint64_t>(asSigned(value)), length));
+                result.append(renderUnsigned(static_cast<std::uint64_t>(integer), length));
                 break;
             case 'x': {
                 char buffer[32];
                 std::snprintf(buffer, sizeof buffer, "%llx",
-                              static_cast<unsigned long long>(asSigned(value)));
+                              static_cast<unsigned long long>(integer));
                 result.append(buffer);
                 break;
             }

@@ -22,8 +22,8 @@ class TypedTextFilter {
     TypedTextFilter& operator=(const TypedTextFilter&) = delete;
 
     // UTF-8 of the characters kept, in their order; empty when nothing is left. A character goes
-    // whole when any of its scalars is below 32, 127 or a lone surrogate, or when its first scalar
-    // is of general category Lm, Mn, Mc, Me or Sk.
+    // whole when any of its scalars is below 32, 127, a lone surrogate, or of general category
+    // Lm, Mn, Mc, Me or Sk.
     std::string filter(std::u16string_view typed);
 
   private:

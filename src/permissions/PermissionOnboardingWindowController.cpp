@@ -85,9 +85,11 @@ void PermissionOnboardingWindowController::show() {
     application_->setActivationPolicy(ApplicationActivationPolicy::regular);
     application_->activate();
     application_->makeKeyAndOrderFront(window);
-    permissionStatusCoordinator_->startPolling();
+    // Kept before polling starts: the first refresh may report a revocation, whose handler must
+    // find this window open and raise it rather than build a second one.
     window_ = window;
     view_ = std::move(view);
+    permissionStatusCoordinator_->startPolling();
 }
 
 std::optional<PlatformWindowHandle> PermissionOnboardingWindowController::window() const {

@@ -171,7 +171,9 @@ SwitcherPreferencesCodec::DecodeResult SwitcherPreferencesCodec::decode(std::str
     json document;
     try {
         document = json::parse(bytes.begin(), bytes.end());
-    } catch (const json::parse_error& error) {
+    } catch (const json::exception& error) {
+        // A number beyond a double's range raises out_of_range, not parse_error: both mean bytes
+        // that hold no record.
         return {std::nullopt, std::string("not valid JSON: ") + error.what()};
     }
     if (!document.is_object()) {

@@ -5,6 +5,7 @@
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
+#include <vector>
 
 #include "core/AccessibilityWindowElement.h"
 #include "core/SwitchableWindow.h"
@@ -30,11 +31,13 @@ struct FixedAccessibility final : ForwardingAccessibilityPort {
           readings{{"AXPosition", position}, {"AXSize", size}} {}
     Reading copyAttributeValue(const AccessibilityElementHandle&,
                                std::string_view attribute) const override {
+        reads.emplace_back(attribute);
         const auto found = readings.find(attribute);
         return found == readings.end() ? Reading{accessibility_error::attributeUnsupported, {}}
                                        : found->second;
     }
     std::map<std::string, Reading, std::less<>> readings;
+    mutable std::vector<std::string> reads;
 };
 
 Reading success(AccessibilityValue value) {
@@ -72,28 +75,35 @@ TEST(AccessibilityWindowElementIdentity, SeparateWrappersOfOneElementAreOneKey) 
 TEST(AccessibilityWindowElementFrame, ReadsOriginFromPositionAndExtentFromSize) {
     EXPECT_EQ(element(1, 1).readScreenFrame(FixedAccessibility(point(-1440, 25.5), size(800, 600))),
               (Rect{{-1440, 25.5}, {800, 600}}));
+    // Only a failed or empty position read stops before the size; types are checked after both.
+    const std::vector<std::string> both{"AXPosition", "AXSize"};
+    const std::vector<std::string> positionOnly{"AXPosition"};
     struct Case {
         const char* name;
         Reading position, size;
+        std::vector<std::string> reads;
     };
-    const Case cases[] = {
-        {"size fails", point(10, 20), {accessibility_error::cannotComplete, std::nullopt}},
+    const std::vector<Case> cases = {
+        {"size fails", point(10, 20), {accessibility_error::cannotComplete, std::nullopt}, both},
         {"position fails despite a value",
          {accessibility_error::failure,
           AccessibilityValue{AccessibilityGeometryValue::ofPoint({})}},
-         size(1, 1)},
+         size(1, 1),
+         positionOnly},
         {"position succeeds with no value",
          {accessibility_error::success, std::nullopt},
-         size(1, 1)},
-        {"size is a string", point(10, 20), success({std::string("800x600")})},
-        {"position is a number", success({3.0}), size(1, 1)},
-        {"position is a size value", size(10, 20), size(1, 1)},
-        {"size is a point value", point(10, 20), point(1, 1)},
+         size(1, 1),
+         positionOnly},
+        {"size is a string", point(10, 20), success({std::string("800x600")}), both},
+        {"position is a number", success({3.0}), size(1, 1), both},
+        {"position is a size value", size(10, 20), size(1, 1), both},
+        {"size is a point value", point(10, 20), point(1, 1), both},
     };
     for (const auto& each : cases) {
         SCOPED_TRACE(each.name);
-        EXPECT_EQ(element(1, 1).readScreenFrame(FixedAccessibility(each.position, each.size)),
-                  std::nullopt);
+        const FixedAccessibility accessibility(each.position, each.size);
+        EXPECT_EQ(element(1, 1).readScreenFrame(accessibility), std::nullopt);
+        EXPECT_EQ(accessibility.reads, each.reads);
     }
     EXPECT_EQ(AccessibilityWindowElement(nullptr).readScreenFrame(
                   FixedAccessibility(point(10, 20), size(1, 1))),

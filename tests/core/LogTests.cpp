@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -39,6 +40,13 @@ TEST(LogMessageFormatter, RendersThePlatformNotation) {
         {"odd %q then %d", {5}, "odd %q then 5"},
         {"open %{public", {1}, "open %{public"},
         {"tail %", {}, "tail %"},
+        // A number that no integer holds reads as printf's %g reads it, whatever the conversion.
+        {"ratio %d %u %x",
+         {std::numeric_limits<double>::quiet_NaN(), 1e300,
+          -std::numeric_limits<double>::infinity()},
+         "ratio nan 1e+300 -inf"},
+        {"fits %d %ld", {-2.75, 9.2e18}, "fits -2 9200000000000000000"},
+        {"edge %ld", {9223372036854775808.0}, "edge 9.22337e+18"},
     };
     for (const auto& each : cases) {
         SCOPED_TRACE(each.format);
@@ -63,13 +71,17 @@ TEST(Logger, WritesOneRecordWithSubsystemCategoryAndLevel) {
                                      "brimcote.orvane overlay info: cards 3"));
 }
 
-TEST(Logger, EachCategoryHasOneSharedLoggerOfThatCategory) {
+TEST(Logger, TwelveCategoriesEachWithItsNameAndItsOwnLogger) {
+    std::vector<std::string> names;
     for (int index = 0; index <= static_cast<int>(LogCategory::preferences); ++index) {
         const auto category = static_cast<LogCategory>(index);
-        SCOPED_TRACE(std::string(logCategoryName(category)));
-        EXPECT_EQ(&Logger::forCategory(category), &Logger::forCategory(category));
-        EXPECT_EQ(Logger::forCategory(category).category(), category);
+        names.emplace_back(logCategoryName(category));
+        EXPECT_EQ(Logger::forCategory(category).category(), category) << names.back();
     }
+    EXPECT_THAT(names,
+                ElementsAre("lifecycle", "windowenumeration", "recencytracking", "windowactivation",
+                            "shortcutinterception", "overlay", "thumbnailcapture", "launcher",
+                            "permission", "softwareupdates", "diagnostics", "preferences"));
 }
 
 TEST(ScopedLogCapture, NestedCaptureHandsTheLogBackWhenItEnds) {

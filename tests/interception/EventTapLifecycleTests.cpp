@@ -85,9 +85,11 @@ class EventTapLifecycleTest : public testing::Test {
     ScopedLogCapture capture;
     std::shared_ptr<SimulatedDesktop> desktop = SimulatedDesktop::make();
     std::shared_ptr<RecordingSessions> sessions = std::make_shared<RecordingSessions>();
+    std::shared_ptr<simulator::StandInPreferencesProvider> preferences =
+        std::make_shared<simulator::StandInPreferencesProvider>();
     std::shared_ptr<GlobalShortcutInterceptor> interceptor =
         std::make_shared<GlobalShortcutInterceptor>(
-            sessions, sessions, std::make_shared<simulator::StandInPreferencesProvider>(),
+            sessions, sessions, preferences,
             GlobalShortcutInterceptor::Platform{
                 desktop->eventTapPort(), desktop->workspaceNotificationCenter(),
                 desktop->distributedNotificationCenter(), desktop->runLoopPort()});
@@ -155,6 +157,31 @@ TEST_F(EventTapLifecycleTest, ReenablingKeepsTheGestureWhileTheModifierIsStillDo
     EXPECT_EQ(post(keyboard_event_type::keyUp, tab, option).receiver, 400);
     flags(0);
     EXPECT_EQ(sessions->calls, (Lines{"start", "commit"}));
+}
+
+// After a gap the check reads the configured hold modifier, whatever else is held by then.
+TEST_F(EventTapLifecycleTest, TheGapCheckReadsTheConfiguredHoldModifier) {
+    constexpr KeyboardEventFlags control = keyboard_event_flag::control;
+    auto controlHold = preferences->preferences();
+    controlHold.shortcutConfiguration.holdModifier = SwitcherHoldModifier::control;
+    preferences->setPreferences(controlHold);
+    ASSERT_TRUE(interceptor->installEventTap());
+    const std::pair<KeyboardEventFlags, Lines> cases[] = {
+        {control | option, {"start"}},
+        {option, {"start", "cancel"}},
+    };
+    for (const auto& [heldAfterGap, calls] : cases) {
+        SCOPED_TRACE(heldAfterGap);
+        sessions->calls.clear();
+        flags(control);
+        post(keyboard_event_type::keyDown, tab, control);
+        desktop->eventTaps().disableTaps(keyboard_event_type::tapDisabledByTimeout, 1.0);
+        flags(heldAfterGap);
+        desktop->runLoop().advance(1.0);
+        EXPECT_EQ(sessions->calls, calls);
+        flags(0);
+        sessions->cancelSession();
+    }
 }
 
 }  // namespace

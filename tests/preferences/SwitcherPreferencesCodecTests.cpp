@@ -158,6 +158,9 @@ TEST(SwitcherPreferencesCodecDecode, RejectsTheWholeRecordNamingTheFirstFailingK
         {"", "not valid JSON: "},
         {R"({"cardSize":"large")", "not valid JSON: "},
         {"{} {}", "not valid JSON: "},
+        // Beyond a double's range the JSON library raises something other than a parse error.
+        {R"({"shortcutConfiguration":{"triggerKeyCode":1e420}})", "not valid JSON: "},
+        {R"({"cardSize":"small","menuBarIconVisible":-1e999})", "not valid JSON: "},
     };
     for (const auto& [text, reason] : cases) {
         SCOPED_TRACE(text);
