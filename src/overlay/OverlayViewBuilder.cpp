@@ -92,8 +92,12 @@ std::pair<double, double> shared(double budget, double first, double second) {
 class ElementWriter {
   public:
     ElementWriter(const OverlayViewBuilder::ApplicationIconResolver& iconResolver,
-                  const OverlayTextMeasuring& measurer, std::vector<OverlayElement>& elements)
-        : iconResolver_(iconResolver), measurer_(measurer), elements_(elements) {}
+                  const OverlayTextMeasuring& measurer, std::string modeHint,
+                  std::vector<OverlayElement>& elements)
+        : iconResolver_(iconResolver),
+          measurer_(measurer),
+          modeHint_(std::move(modeHint)),
+          elements_(elements) {}
 
     void switcherContent(const SwitcherOverlayViewModel& viewModel, const Rect& area) {
         const auto metrics = SwitcherOverlayCardMetrics::metrics(viewModel.cardSize.value());
@@ -253,7 +257,7 @@ class ElementWriter {
         // From the right edge: the hint, then the mode badge.
         const double hintX =
             row.maxX() - searchRowPadding -
-            measurer_.textSize(modeHintText, OverlayTextStyle::caption2, OverlayFontWeight::regular)
+            measurer_.textSize(modeHint_, OverlayTextStyle::caption2, OverlayFontWeight::regular)
                 .width;
         const Size name = measurer_.textSize(
             presentation.modeDisplayName, OverlayTextStyle::caption, OverlayFontWeight::semibold);
@@ -300,7 +304,7 @@ class ElementWriter {
         text(OverlayPart::modeName, {}, presentation.modeDisplayName, OverlayTextStyle::caption,
              OverlayFontWeight::semibold, OverlayColorRole::secondary, OverlayTruncation::tail,
              badgeFrame, badgeFrame.minX() + modeBadgeHorizontalPadding, false);
-        text(OverlayPart::modeHint, {}, modeHintText, OverlayTextStyle::caption2,
+        text(OverlayPart::modeHint, {}, modeHint_, OverlayTextStyle::caption2,
              OverlayFontWeight::regular, OverlayColorRole::tertiary, OverlayTruncation::tail, row,
              hintX, false);
     }
@@ -421,14 +425,18 @@ class ElementWriter {
 
     const OverlayViewBuilder::ApplicationIconResolver& iconResolver_;
     const OverlayTextMeasuring& measurer_;
+    std::string modeHint_;
     std::vector<OverlayElement>& elements_;
 };
 
 }  // namespace
 
 OverlayViewBuilder::OverlayViewBuilder(ApplicationIconResolver iconResolver,
-                                       std::shared_ptr<const OverlayTextMeasuring> textMeasurer)
-    : iconResolver_(std::move(iconResolver)), textMeasurer_(std::move(textMeasurer)) {}
+                                       std::shared_ptr<const OverlayTextMeasuring> textMeasurer,
+                                       Wording wording)
+    : iconResolver_(std::move(iconResolver)),
+      textMeasurer_(std::move(textMeasurer)),
+      wording_(std::move(wording)) {}
 
 OverlayViewData OverlayViewBuilder::build(const SwitcherOverlayViewModel& viewModel,
                                           Size panelSize) const {
@@ -436,7 +444,8 @@ OverlayViewData OverlayViewBuilder::build(const SwitcherOverlayViewModel& viewMo
     const auto& presentation = viewModel.launcherPresentation.value();
     data.elements.reserve(presentation ? 8 + 6 * presentation->items.size()
                                        : 3 + 6 * viewModel.windows.value().size());
-    ElementWriter writer(iconResolver_, *textMeasurer_, data.elements);
+    ElementWriter writer(iconResolver_, *textMeasurer_, wording_.apply(modeHintText),
+                         data.elements);
     const Rect panel{{0, 0}, panelSize};
     auto background = roundedRectangle(panel, panelCornerRadius);
     background.material = OverlayMaterial::regularBlur;

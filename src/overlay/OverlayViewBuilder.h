@@ -9,6 +9,7 @@
 
 #include "core/Geometry.h"
 #include "core/Identifiers.h"
+#include "core/Wording.h"
 #include "overlay/OverlayTextMeasuring.h"
 #include "overlay/OverlayViewData.h"
 #include "overlay/SwitcherOverlayViewModel.h"
@@ -23,8 +24,10 @@ class OverlayViewBuilder {
         ProcessIdentifier processIdentifier, const std::string& applicationName)>;
 
     // The measurer must answer as the renderer's fonts will draw.
+    // The wording applies to the overlay's own texts, never to titles or names.
     OverlayViewBuilder(ApplicationIconResolver iconResolver,
-                       std::shared_ptr<const OverlayTextMeasuring> textMeasurer);
+                       std::shared_ptr<const OverlayTextMeasuring> textMeasurer,
+                       Wording wording = {});
 
     // The elements for a panel of `panelSize`, the frame the coordinator gave it; the content
     // stands centred inside the padding. Reads the model only, and resolves each card's icon anew.
@@ -33,6 +36,7 @@ class OverlayViewBuilder {
   private:
     ApplicationIconResolver iconResolver_;
     std::shared_ptr<const OverlayTextMeasuring> textMeasurer_;
+    Wording wording_;
 };
 
 }  // namespace orvane

@@ -1,32 +1,10 @@
-// A notification centre of the simulated desktop: delivers each notification to the observers of
-// its name, in the order they subscribed.
+// A notification centre of the simulated desktop: the process's own kind, under the desktop's name.
 #pragma once
 
-#include <map>
-
-#include "platform/NotificationCenterPort.h"
+#include "platform/posix/LocalNotificationCenter.h"
 
 namespace orvane {
 
-class SimulatedNotificationCenter final : public NotificationCenterPort {
-  public:
-    NotificationObservationToken addObserver(
-        const std::string& name,
-        std::function<void(const PlatformNotification&)> observer) override;
-    void removeObserver(NotificationObservationToken token) override;
-    // Delivers at once; the desktop posts through its run loop when delivery is to come later.
-    void postNotification(const PlatformNotification& notification) override;
-
-    std::size_t observerCount() const { return observers_.size(); }
-    std::size_t observerCount(const std::string& name) const;
-
-  private:
-    struct Observation {
-        std::string name;
-        std::function<void(const PlatformNotification&)> observer;
-    };
-    std::map<NotificationObservationToken, Observation> observers_;
-    NotificationObservationToken lastToken_ = 0;
-};
+using SimulatedNotificationCenter = LocalNotificationCenter;
 
 }  // namespace orvane

@@ -1,22 +1,22 @@
-#include "platform/simulated/SimulatedNotificationCenter.h"
+#include "platform/posix/LocalNotificationCenter.h"
 
 #include <algorithm>
 #include <vector>
 
 namespace orvane {
 
-NotificationObservationToken SimulatedNotificationCenter::addObserver(
+NotificationObservationToken LocalNotificationCenter::addObserver(
     const std::string& name, std::function<void(const PlatformNotification&)> observer) {
     const auto token = ++lastToken_;
     observers_.emplace(token, Observation{name, std::move(observer)});
     return token;
 }
 
-void SimulatedNotificationCenter::removeObserver(NotificationObservationToken token) {
+void LocalNotificationCenter::removeObserver(NotificationObservationToken token) {
     observers_.erase(token);
 }
 
-void SimulatedNotificationCenter::postNotification(const PlatformNotification& notification) {
+void LocalNotificationCenter::postNotification(const PlatformNotification& notification) {
     // Observers may come and go while one is told, so the receivers are fixed first.
     std::vector<NotificationObservationToken> receivers;
     for (const auto& [token, observation] : observers_) {
@@ -33,7 +33,7 @@ void SimulatedNotificationCenter::postNotification(const PlatformNotification& n
     }
 }
 
-std::size_t SimulatedNotificationCenter::observerCount(const std::string& name) const {
+std::size_t LocalNotificationCenter::observerCount(const std::string& name) const {
     return static_cast<std::size_t>(
         std::count_if(observers_.begin(), observers_.end(),
                       [&](const auto& entry) { return entry.second.name == name; }));

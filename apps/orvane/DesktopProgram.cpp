@@ -1,0 +1,170 @@
+#include "DesktopProgram.h"
+
+#include <QAbstractEventDispatcher>
+#include <QCoreApplication>
+#include <cstdlib>
+
+#include "app/ProductSettings.h"
+#include "core/Logger.h"
+#include "core/Wording.h"
+#include "platform/posix/LinuxSystemInformation.h"
+#include "platform/posix/LocalNotificationCenter.h"
+#include "platform/posix/PackageManagerUpdater.h"
+#include "platform/posix/PosixDynamicLibrary.h"
+#include "platform/posix/PosixFileManager.h"
+#include "platform/posix/ProgramBundle.h"
+#include "platform/posix/SystemClock.h"
+#include "platform/posix/XdgUserDefaults.h"
+#include "platform/x11/X11ScreenCapture.h"
+#include "platform/x11/X11WindowList.h"
+#include "ui/qt/LinuxPermissions.h"
+#include "ui/qt/QtApplicationLauncher.h"
+#include "ui/qt/QtApplicationObject.h"
+#include "ui/qt/QtPasteboard.h"
+#include "ui/qt/QtRunLoop.h"
+#include "ui/qt/QtSound.h"
+#include "ui/qt/QtTextMeasurer.h"
+#include "ui/qt/QtUrlComponents.h"
+
+#ifndef ORVANE_VERSION
+#define ORVANE_VERSION "0"
+#endif
+
+namespace orvane {
+
+std::unique_ptr<DesktopProgram> DesktopProgram::start() {
+    auto connection = X11Connection::open();
+    if (!connection) {
+        return nullptr;
+    }
+    return std::unique_ptr<DesktopProgram>(new DesktopProgram(std::move(connection)));
+}
+
+DesktopProgram::DesktopProgram(std::unique_ptr<X11Connection> connection)
+    : connection_(std::move(connection)) {
+    auto runLoop = std::make_shared<QtRunLoop>();
+    model_ = std::make_unique<X11WindowModel>(*connection_);
+    screens_ = std::make_unique<X11Screens>(*connection_, *model_);
+    auto workspaceNotifications = std::make_shared<LocalNotificationCenter>();
+    workspace_ = std::make_shared<X11Workspace>(*model_, workspaceNotifications, runLoop);
+    eventTap_ = std::make_shared<X11EventTap>(*connection_);
+    overlayPanel_ = std::make_shared<QtOverlayPanel>(
+        QtOverlayPanel::Environment{[this] { return isComposited(); },
+                                    [this](const Rect& frame) { return toDesktop(frame); }},
+        QtOverlayRenderer([this](const ImageHandle& handle) { return image(handle); }));
+    auto applicationNotifications = std::make_shared<LocalNotificationCenter>();
+
+    OrvaneApplicationDelegate::Platform platform;
+    platform.currentProcessIdentifier =
+        static_cast<ProcessIdentifier>(QCoreApplication::applicationPid());
+    platform.userDefaults = std::make_shared<XdgUserDefaults>();
+    platform.permissions = std::make_shared<LinuxPermissions>([] { return false; });
+    platform.mainRunLoop = runLoop;
+    platform.clock = std::make_shared<SystemClock>();
+    platform.application = std::make_shared<QtApplicationObject>(applicationNotifications);
+    platform.applicationNotifications = applicationNotifications;
+    platform.accessibility = std::make_shared<X11Accessibility>(*connection_, *model_);
+    platform.windowList = std::make_shared<X11WindowList>(*model_);
+    platform.workspace = workspace_;
+    platform.workspaceNotifications = workspaceNotifications;
+    platform.distributedNotifications = std::make_shared<LocalNotificationCenter>();
+    platform.eventTaps = eventTap_;
+    platform.privateFocusLibrary = std::make_shared<PosixDynamicLibrary>();
+    platform.screenCapture = std::make_shared<X11ScreenCapture>(*model_, *screens_, runLoop);
+    platform.screens = std::shared_ptr<ScreenPort>(screens_.get(), [](ScreenPort*) {});
+    platform.overlayPanel = overlayPanel_;
+    platform.fileManager = std::make_shared<PosixFileManager>();
+    platform.applicationLauncher = std::make_shared<QtApplicationLauncher>(runLoop);
+    platform.sound = std::make_shared<QtSound>();
+    platform.updater = std::make_shared<PackageManagerUpdater>();
+    platform.bundle = std::make_shared<ProgramBundle>(ORVANE_VERSION, ORVANE_VERSION);
+    platform.systemInformation = std::make_shared<LinuxSystemInformation>();
+    platform.pasteboard = std::make_shared<QtPasteboard>();
+    platform.urlComponents = std::make_shared<QtUrlComponents>();
+    platform.supportAddress = supportEmailAddress;
+
+    app_ = std::make_unique<OrvaneApp>(std::move(platform));
+    const auto& delegate = app_->delegate();
+    eventTap_->setPreferences(delegate->preferencesStore());
+    eventTap_->setSessionQuery([weak = std::weak_ptr(delegate)] {
+        auto program = weak.lock();
+        return program && (program->switcherSessionCoordinator()->isSessionActive() ||
+                           program->launcherSessionCoordinator()->isLauncherSessionActive());
+    });
+    auto workspace = workspace_;
+    overlayPanel_->attach(delegate->overlayCoordinator()->viewModel(),
+                          std::make_shared<OverlayViewBuilder>(
+                              [workspace](ProcessIdentifier process,
+                                          const std::string&) -> std::optional<ImageHandle> {
+                                  auto application = workspace->runningApplication(process);
+                                  return application ? application->icon : std::nullopt;
+                              },
+                              std::make_shared<QtTextMeasurer>(), Wording::linuxDesktop()));
+
+    // Everything the server sends is read as soon as it arrives, and whatever a reply brought in
+    // along the way before the loop sleeps again: no polling.
+    notifier_ =
+        std::make_unique<QSocketNotifier>(connection_->fileDescriptor(), QSocketNotifier::Read);
+    QObject::connect(notifier_.get(), &QSocketNotifier::activated,
+                     [this] { connection_->dispatchPendingEvents(); });
+    aboutToBlock_ = QObject::connect(QAbstractEventDispatcher::instance(),
+                                     &QAbstractEventDispatcher::aboutToBlock, [this] {
+                                         connection_->dispatchPendingEvents();
+                                         connection_->flush();
+                                     });
+    app_->finishLaunching();
+    connection_->flush();
+}
+
+DesktopProgram::~DesktopProgram() {
+    terminate();
+    QObject::disconnect(aboutToBlock_);
+}
+
+void DesktopProgram::terminate() {
+    if (app_ && !app_->hasTerminated()) {
+        app_->terminate();
+        connection_->flush();
+    }
+}
+
+bool DesktopProgram::isComposited() {
+    const auto selection = "_NET_WM_CM_S0";
+    auto* reply = xcb_get_selection_owner_reply(
+        connection_->connection(),
+        xcb_get_selection_owner(connection_->connection(), connection_->atom(selection)), nullptr);
+    const bool owned = reply != nullptr && reply->owner != XCB_NONE;
+    std::free(reply);
+    return owned;
+}
+
+Rect DesktopProgram::toDesktop(const Rect& frame) const {
+    const double scale = screens_->scaleFactor();
+    const double top = screens_->primaryHeight() / scale;
+    return {{frame.origin.x, top - frame.origin.y - frame.size.height}, frame.size};
+}
+
+QImage DesktopProgram::image(const ImageHandle& handle) {
+    if (auto found = images_.find(handle.identifier); found != images_.end()) {
+        return found->second;
+    }
+    const auto* pixels = workspace_->iconPixels(handle.identifier);
+    if (pixels == nullptr || handle.pixelWidth <= 0 || handle.pixelHeight <= 0) {
+        return {};
+    }
+    const int width = static_cast<int>(handle.pixelWidth);
+    const int height = static_cast<int>(handle.pixelHeight);
+    if (pixels->size() < static_cast<std::size_t>(width) * static_cast<std::size_t>(height)) {
+        return {};
+    }
+    QImage image(reinterpret_cast<const uchar*>(pixels->data()), width, height, width * 4,
+                 QImage::Format_ARGB32);
+    auto copy = image.copy();
+    if (images_.size() > 256) {
+        images_.clear();
+    }
+    images_.emplace(handle.identifier, copy);
+    return copy;
+}
+
+}  // namespace orvane

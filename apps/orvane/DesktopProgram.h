@@ -1,0 +1,53 @@
+// Orvane on a Linux X11 desktop: the X backend and the Qt interface handed to the program's own
+// composition root, on Qt's event loop with the X connection's descriptor on it.
+#pragma once
+
+#include <QImage>
+#include <QObject>
+#include <QSocketNotifier>
+#include <map>
+#include <memory>
+
+#include "app/OrvaneApp.h"
+#include "platform/x11/X11Accessibility.h"
+#include "platform/x11/X11Connection.h"
+#include "platform/x11/X11EventTap.h"
+#include "platform/x11/X11Screens.h"
+#include "platform/x11/X11WindowModel.h"
+#include "platform/x11/X11Workspace.h"
+#include "ui/qt/QtOverlayPanel.h"
+
+namespace orvane {
+
+class DesktopProgram {
+  public:
+    // Nothing, after an error line, when no X display can be reached.
+    static std::unique_ptr<DesktopProgram> start();
+    ~DesktopProgram();
+
+    // Tears the program down, as quitting does.
+    void terminate();
+
+    const std::shared_ptr<OrvaneApplicationDelegate>& delegate() const { return app_->delegate(); }
+    QtOverlayPanel& overlayPanel() { return *overlayPanel_; }
+
+  private:
+    explicit DesktopProgram(std::unique_ptr<X11Connection> connection);
+
+    bool isComposited();
+    Rect toDesktop(const Rect& frame) const;
+    QImage image(const ImageHandle& handle);
+
+    std::unique_ptr<X11Connection> connection_;
+    std::unique_ptr<X11WindowModel> model_;
+    std::unique_ptr<X11Screens> screens_;
+    std::shared_ptr<X11Workspace> workspace_;
+    std::shared_ptr<X11EventTap> eventTap_;
+    std::shared_ptr<QtOverlayPanel> overlayPanel_;
+    std::unique_ptr<QSocketNotifier> notifier_;
+    QMetaObject::Connection aboutToBlock_;
+    std::map<std::uint64_t, QImage> images_;
+    std::unique_ptr<OrvaneApp> app_;
+};
+
+}  // namespace orvane

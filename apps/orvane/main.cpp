@@ -1,0 +1,68 @@
+// orvane: the window switcher on the user's X11 desktop, in the foreground until it is quit
+// (Ctrl-C or SIGTERM).
+
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <QApplication>
+#include <QSocketNotifier>
+#include <csignal>
+#include <cstring>
+#include <iostream>
+#include <string>
+
+#include "DesktopProgram.h"
+#include "core/Log.h"
+#include "core/StandardErrorLogSink.h"
+
+namespace {
+
+int signalPipe[2] = {-1, -1};
+
+void onSignal(int) {
+    const char byte = 1;
+    [[maybe_unused]] auto written = ::write(signalPipe[1], &byte, 1);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    orvane::LogLevel level = orvane::LogLevel::info;
+    for (int index = 1; index < argc; ++index) {
+        const std::string argument = argv[index];
+        if (argument == "--log-level" && index + 1 < argc) {
+            const std::string value = argv[++index];
+            level = value == "debug"   ? orvane::LogLevel::debug
+                    : value == "error" ? orvane::LogLevel::error
+                                       : orvane::LogLevel::info;
+        } else if (argument == "--help") {
+            std::cout << "usage: orvane [--log-level debug|info|error]\n"
+                         "Hold Alt and tap Tab to switch windows; Alt-Space searches them.\n";
+            return 0;
+        }
+    }
+    orvane::Log::shared().replaceSinks({std::make_shared<orvane::StandardErrorLogSink>(level)});
+
+    // Qt draws through the X server the program switches windows on, whatever the environment
+    // prefers.
+    qputenv("QT_QPA_PLATFORM", "xcb");
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("Orvane"));
+    QApplication::setQuitOnLastWindowClosed(false);
+
+    auto program = orvane::DesktopProgram::start();
+    if (!program) {
+        std::cerr << "orvane: no X11 display to run on (is DISPLAY set?)\n";
+        return 1;
+    }
+
+    ::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, signalPipe);
+    QSocketNotifier signals(signalPipe[0], QSocketNotifier::Read);
+    QObject::connect(&signals, &QSocketNotifier::activated, [] { QApplication::quit(); });
+    std::signal(SIGINT, onSignal);
+    std::signal(SIGTERM, onSignal);
+
+    const int status = QApplication::exec();
+    program->terminate();
+    return status;
+}

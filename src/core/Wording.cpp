@@ -1,0 +1,34 @@
+#include "core/Wording.h"
+
+namespace orvane {
+
+Wording Wording::linuxDesktop() {
+    return Wording({
+        {"⌥␣", "Alt+Space"},
+        {"Option-Tab", "Alt+Tab"},
+        {"Option-Space", "Alt+Space"},
+        {"⌥ Option", "Alt"},
+        {"Option", "Alt"},
+        {"⌥", "Alt+"},
+        {"⌃ Control", "Ctrl"},
+        {"⌃", "Ctrl+"},
+        {"⌘", "Super+"},
+        {"your Mac", "your computer"},
+        {"for macOS", "for Linux"},
+        {"Open System Settings", "Open Settings"},
+        {"System Settings", "the system settings"},
+    });
+}
+
+std::string Wording::apply(std::string_view text) const {
+    std::string result(text);
+    for (const auto& [from, to] : replacements_) {
+        for (std::size_t position = result.find(from); position != std::string::npos;
+             position = result.find(from, position + to.size())) {
+            result.replace(position, from.size(), to);
+        }
+    }
+    return result;
+}
+
+}  // namespace orvane

@@ -1,0 +1,56 @@
+// The Accessibility port over EWMH and ICCCM: applications are processes with client windows,
+// their windows' attributes come from the window model, and the actions are requests to the
+// window manager (raise, activate on the window's desktop, minimize and restore). Notifications
+// follow the model's changes.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "platform/AccessibilityPort.h"
+#include "platform/x11/X11Connection.h"
+#include "platform/x11/X11WindowModel.h"
+
+namespace orvane {
+
+class X11Accessibility final : public AccessibilityPort {
+  public:
+    X11Accessibility(X11Connection& connection, X11WindowModel& model);
+
+    AttributeReading copyAttributeValue(const AccessibilityElementHandle& element,
+                                        std::string_view attribute) const override;
+    AccessibilityError setAttributeValue(const AccessibilityElementHandle& element,
+                                         std::string_view attribute,
+                                         const AccessibilityValue& value) override;
+    AccessibilityError performAction(const AccessibilityElementHandle& element,
+                                     std::string_view action) override;
+    AccessibilityElementHandle createApplicationElement(ProcessIdentifier process) override;
+    AccessibilityError setMessagingTimeout(const AccessibilityElementHandle& element,
+                                           float seconds) override;
+    ProcessReading processIdentifier(const AccessibilityElementHandle& element) const override;
+    ObserverCreation createObserver(ProcessIdentifier process, ObserverCallback callback) override;
+    AccessibilityError addNotification(const AccessibilityObserverHandle& observer,
+                                       const AccessibilityElementHandle& element,
+                                       std::string_view notification, void* reference) override;
+    AccessibilityError removeNotification(const AccessibilityObserverHandle& observer,
+                                          const AccessibilityElementHandle& element,
+                                          std::string_view notification) override;
+    RunLoopSourceHandle observerRunLoopSource(const AccessibilityObserverHandle& observer) override;
+
+  private:
+    class Observer;
+
+    // The model's window behind a window element of that process; null when it is gone.
+    const X11WindowModel::ClientWindow* client(const AccessibilityElementHandle& element) const;
+    void modelChanged(X11WindowModel::ChangeKind kind, const X11WindowModel::ClientWindow& window);
+    void notify(ProcessIdentifier process, xcb_window_t window, std::string_view notification);
+    void sendToWindowManager(xcb_window_t window, xcb_atom_t type,
+                             std::initializer_list<std::uint32_t> data);
+
+    X11Connection& connection_;
+    X11WindowModel& model_;
+    std::vector<std::weak_ptr<Observer>> observers_;
+    std::optional<ProcessIdentifier> frontmostProcess_;
+};
+
+}  // namespace orvane

@@ -1,0 +1,88 @@
+// The event tap over the X keyboard. Passive synchronous grabs on the root window catch the
+// shortcut chords (with every lock-key combination); while a switcher or launcher session runs, an
+// active grab brings every key. "Swallow" consumes a frozen event, "pass" replays it to the
+// focused window. Modifier changes are reported as flags-changed events, and a modifier state the
+// logic has not seen yet is reported before the key that reveals it.
+#pragma once
+
+#include <xcb/xcb.h>
+#include <xkbcommon/xkbcommon.h>
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "core/PreferencesProviding.h"
+#include "platform/EventTapPort.h"
+#include "platform/x11/X11Connection.h"
+
+namespace orvane {
+
+class X11EventTap final : public EventTapPort {
+  public:
+    explicit X11EventTap(X11Connection& connection);
+    ~X11EventTap() override;
+
+    // Where the chords come from; grabs follow every change. Set before the tap is created.
+    void setPreferences(std::shared_ptr<PreferencesProviding> preferences);
+    // Whether a session runs now: the active grab is held exactly while it answers true.
+    void setSessionQuery(std::function<bool()> isSessionActive);
+
+    std::optional<EventTapHandle> createTap(std::uint32_t location, std::uint32_t placement,
+                                            std::uint32_t options, std::uint64_t eventMask,
+                                            Callback callback) override;
+    std::optional<RunLoopSourceHandle> createRunLoopSource(EventTapHandle tap) override;
+    void enableTap(EventTapHandle tap, bool enabled) override;
+    bool isTapEnabled(EventTapHandle tap) const override;
+    void invalidate(EventTapHandle tap) override;
+    KeyboardEventFlags flagsState(std::int32_t stateIdentifier) const override;
+
+  private:
+    struct Chord {
+        std::string name;
+        xcb_keycode_t keycode = 0;
+        std::uint16_t modifiers = 0;
+        bool required = false;
+    };
+
+    void handleEvent(const xcb_generic_event_t& event);
+    void handleKey(const xcb_key_press_event_t& event, bool isPress);
+    void deliver(KeyboardEventType type, std::int64_t keyCode, KeyboardEventFlags flags,
+                 bool isAutorepeat, std::u16string text, bool* swallowed);
+    void reloadKeymap();
+    std::vector<Chord> chords() const;
+    // Grabs every chord; false, after one error line per chord taken by another program, when a
+    // required chord could not be grabbed.
+    bool grabChords();
+    void ungrabChords();
+    void synchronizeActiveGrab(xcb_timestamp_t time);
+    xcb_keycode_t keycodeOf(std::uint16_t storedKeyCode) const;
+    std::int64_t storedKeyCodeOf(xcb_keycode_t keycode) const;
+    void forwardToFocus(const xcb_key_press_event_t& event);
+
+    X11Connection& connection_;
+    std::shared_ptr<PreferencesProviding> preferences_;
+    std::optional<ObservationToken> preferencesObservation_;
+    std::function<bool()> isSessionActive_;
+    xkb_context* context_ = nullptr;
+    xkb_keymap* keymap_ = nullptr;
+    xkb_state* state_ = nullptr;
+    std::int32_t deviceIdentifier_ = -1;
+    std::uint8_t xkbFirstEvent_ = 0;
+
+    std::optional<EventTapHandle> tap_;
+    Callback callback_;
+    bool enabled_ = false;
+    EventTapHandle lastHandle_ = 0;
+    std::vector<Chord> grabbed_;
+    bool activeGrab_ = false;
+    KeyboardEventFlags reportedFlags_ = 0;
+    std::set<xcb_keycode_t> pressedKeys_;
+    // Chords reported as taken, so that each retry does not say it again.
+    std::set<std::string> reportedTaken_;
+};
+
+}  // namespace orvane

@@ -1,0 +1,418 @@
+#include "platform/x11/X11WindowModel.h"
+
+#include <xcb/res.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+
+#include "core/Logger.h"
+
+namespace orvane {
+
+namespace {
+
+const Logger& log() {
+    return Logger::forCategory(LogCategory::windowenumeration);
+}
+
+// Beyond any kernel's pid_max: such a value is no process.
+constexpr std::uint32_t largestProcessIdentifier = 4194304;
+constexpr std::size_t longestTitle = 1024;
+constexpr std::uint32_t largestIconSide = 1024;
+constexpr std::uint32_t preferredIconSide = 64;
+
+// Cuts a title to a sane length without leaving half a UTF-8 sequence behind.
+std::string boundedText(const std::vector<std::uint8_t>& bytes) {
+    std::string text(bytes.begin(), bytes.end());
+    text = text.substr(0, text.find('\0'));
+    if (text.size() > longestTitle) {
+        std::size_t cut = longestTitle;
+        while (cut > 0 && (static_cast<unsigned char>(text[cut]) & 0xC0) == 0x80) {
+            --cut;
+        }
+        text.resize(cut);
+    }
+    return text;
+}
+
+std::string processName(ProcessIdentifier process) {
+    std::ifstream file("/proc/" + std::to_string(process) + "/comm");
+    std::string name;
+    std::getline(file, name);
+    return name;
+}
+
+}  // namespace
+
+X11WindowModel::X11WindowModel(X11Connection& connection) : connection_(connection) {
+    const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE;
+    xcb_change_window_attributes(connection_.connection(), connection_.root(), XCB_CW_EVENT_MASK,
+                                 &mask);
+    connection_.addListener([this](const xcb_generic_event_t& event) { handleEvent(event); });
+    reloadCurrentDesktop();
+    reloadStacking();
+    reloadActive();
+}
+
+const X11WindowModel::ClientWindow* X11WindowModel::window(xcb_window_t window) const {
+    auto found = windows_.find(window);
+    return found == windows_.end() ? nullptr : &found->second;
+}
+
+std::optional<ProcessIdentifier> X11WindowModel::frontmostProcess() const {
+    if (!active_) {
+        return std::nullopt;
+    }
+    const auto* client = window(*active_);
+    return client ? std::optional(client->process) : std::nullopt;
+}
+
+std::vector<ProcessIdentifier> X11WindowModel::processes() const {
+    return processOrder_;
+}
+
+void X11WindowModel::tell(ChangeKind kind, const ClientWindow& window) {
+    for (const auto& listener : listeners_) {
+        listener(kind, window);
+    }
+}
+
+void X11WindowModel::handleEvent(const xcb_generic_event_t& event) {
+    const auto type = event.response_type & 0x7f;
+    auto& ewmh = connection_.ewmh();
+    if (type == XCB_PROPERTY_NOTIFY) {
+        const auto& notice = reinterpret_cast<const xcb_property_notify_event_t&>(event);
+        connection_.noteEventTime(notice.time);
+        if (notice.window == connection_.root()) {
+            if (notice.atom == ewmh._NET_CLIENT_LIST_STACKING) {
+                reloadStacking();
+            } else if (notice.atom == ewmh._NET_ACTIVE_WINDOW) {
+                reloadActive();
+            } else if (notice.atom == ewmh._NET_CURRENT_DESKTOP) {
+                reloadCurrentDesktop();
+            }
+            return;
+        }
+        auto found = windows_.find(notice.window);
+        if (found != windows_.end()) {
+            reloadProperty(found->second, notice.atom);
+        }
+    } else if (type == XCB_DESTROY_NOTIFY) {
+        const auto& notice = reinterpret_cast<const xcb_destroy_notify_event_t&>(event);
+        auto found = windows_.find(notice.window);
+        if (found == windows_.end()) {
+            return;
+        }
+        const auto gone = found->second;
+        windows_.erase(found);
+        std::erase(stacking_, notice.window);
+        if (active_ == notice.window) {
+            active_.reset();
+        }
+        tell(ChangeKind::removed, gone);
+    }
+}
+
+void X11WindowModel::reloadCurrentDesktop() {
+    auto property = connection_.property(
+        connection_.requestProperty(connection_.root(), connection_.ewmh()._NET_CURRENT_DESKTOP));
+    currentDesktop_ = property ? property->cardinal().value_or(0) : 0;
+}
+
+void X11WindowModel::reloadStacking() {
+    auto property = connection_.property(connection_.requestProperty(
+        connection_.root(), connection_.ewmh()._NET_CLIENT_LIST_STACKING, 65536));
+    std::vector<xcb_window_t> bottomToTop;
+    if (property && property->format == 32) {
+        for (std::size_t index = 0; index < property->itemCount(); ++index) {
+            bottomToTop.push_back(*property->cardinal(index));
+        }
+    }
+    std::vector<xcb_window_t> stacking(bottomToTop.rbegin(), bottomToTop.rend());
+
+    std::vector<ClientWindow> removed;
+    for (auto it = windows_.begin(); it != windows_.end();) {
+        if (std::find(stacking.begin(), stacking.end(), it->first) == stacking.end()) {
+            removed.push_back(it->second);
+            it = windows_.erase(it);
+        } else {
+            ++it;
+        }
+    }
+    std::vector<xcb_window_t> added;
+    for (auto window : stacking) {
+        if (windows_.contains(window)) {
+            continue;
+        }
+        const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+        xcb_change_window_attributes(connection_.connection(), window, XCB_CW_EVENT_MASK, &mask);
+        windows_.emplace(window, read(window));
+        added.push_back(window);
+    }
+    stacking_ = std::move(stacking);
+    for (const auto& gone : removed) {
+        if (active_ == gone.window) {
+            active_.reset();
+        }
+        tell(ChangeKind::removed, gone);
+    }
+    for (auto window : added) {
+        const auto& client = windows_.at(window);
+        if (std::find(processOrder_.begin(), processOrder_.end(), client.process) ==
+            processOrder_.end()) {
+            processOrder_.push_back(client.process);
+        }
+        tell(ChangeKind::added, client);
+    }
+    std::erase_if(processOrder_, [this](ProcessIdentifier process) {
+        return std::none_of(windows_.begin(), windows_.end(), [process](const auto& entry) {
+            return entry.second.process == process;
+        });
+    });
+}
+
+void X11WindowModel::reloadActive() {
+    auto property = connection_.property(
+        connection_.requestProperty(connection_.root(), connection_.ewmh()._NET_ACTIVE_WINDOW));
+    std::optional<xcb_window_t> active;
+    if (property && property->cardinal().value_or(0) != 0) {
+        active = *property->cardinal();
+    }
+    if (active == active_) {
+        return;
+    }
+    active_ = active;
+    if (active_) {
+        if (const auto* client = window(*active_)) {
+            tell(ChangeKind::activated, *client);
+        }
+    }
+}
+
+std::optional<ProcessIdentifier> X11WindowModel::processFromResources(xcb_window_t window) {
+    xcb_res_client_id_spec_t spec{window, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
+    auto* reply = xcb_res_query_client_ids_reply(
+        connection_.connection(), xcb_res_query_client_ids(connection_.connection(), 1, &spec),
+        nullptr);
+    if (reply == nullptr) {
+        return std::nullopt;
+    }
+    std::optional<ProcessIdentifier> process;
+    for (auto it = xcb_res_query_client_ids_ids_iterator(reply); it.rem > 0;
+         xcb_res_client_id_value_next(&it)) {
+        if ((it.data->spec.mask & XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID) != 0 &&
+            xcb_res_client_id_value_value_length(it.data) >= 1) {
+            const auto value = *xcb_res_client_id_value_value(it.data);
+            if (value > 0 && value <= largestProcessIdentifier) {
+                process = static_cast<ProcessIdentifier>(value);
+            }
+        }
+    }
+    std::free(reply);
+    return process;
+}
+
+X11WindowModel::ClientWindow X11WindowModel::read(xcb_window_t window) {
+    ClientWindow client;
+    client.window = window;
+    auto& ewmh = connection_.ewmh();
+    const xcb_atom_t properties[] = {
+        ewmh._NET_WM_PID,     ewmh._NET_WM_NAME,        XCB_ATOM_WM_NAME,
+        XCB_ATOM_WM_CLASS,    ewmh._NET_WM_WINDOW_TYPE, ewmh._NET_WM_STATE,
+        ewmh._NET_WM_DESKTOP, ewmh._NET_FRAME_EXTENTS,  connection_.atom("_NET_WM_WINDOW_OPACITY")};
+    for (auto property : properties) {
+        reloadProperty(client, property);
+    }
+    if (!client.hasRealProcess) {
+        if (auto process = processFromResources(window)) {
+            client.process = *process;
+            client.hasRealProcess = true;
+        } else {
+            // One stand-in per X client, from the client's share of resource identifiers.
+            client.process = static_cast<ProcessIdentifier>(0x40000000u | (window >> 21));
+            log().debug("window 0x%{public}x names no process; grouped by its X client", window);
+        }
+    }
+    if (client.applicationName.empty() && client.hasRealProcess) {
+        client.applicationName = processName(client.process);
+    }
+    readIcon(client);
+    return client;
+}
+
+void X11WindowModel::reloadProperty(ClientWindow& client, xcb_atom_t atom) {
+    auto& ewmh = connection_.ewmh();
+    if (atom == ewmh._NET_WM_ICON) {
+        readIcon(client);
+        return;
+    }
+    const bool known = atom == ewmh._NET_WM_PID || atom == ewmh._NET_WM_NAME ||
+                       atom == XCB_ATOM_WM_NAME || atom == XCB_ATOM_WM_CLASS ||
+                       atom == ewmh._NET_WM_WINDOW_TYPE || atom == ewmh._NET_WM_STATE ||
+                       atom == ewmh._NET_WM_DESKTOP || atom == ewmh._NET_FRAME_EXTENTS ||
+                       atom == connection_.atom("_NET_WM_WINDOW_OPACITY");
+    if (!known) {
+        return;
+    }
+    auto property = connection_.property(connection_.requestProperty(client.window, atom));
+    if (atom == ewmh._NET_WM_PID) {
+        const auto value = property ? property->cardinal() : std::nullopt;
+        if (value && *value > 0 && *value <= largestProcessIdentifier) {
+            client.process = static_cast<ProcessIdentifier>(*value);
+            client.hasRealProcess = true;
+        } else if (value) {
+            log().debug("window 0x%{public}x claims process %{public}u; ignored", client.window,
+                        *value);
+        }
+    } else if (atom == ewmh._NET_WM_NAME || atom == XCB_ATOM_WM_NAME) {
+        if (property && property->format == 8) {
+            const bool isNetName = atom == ewmh._NET_WM_NAME;
+            // The EWMH name wins over the ICCCM one whenever it is set.
+            if (isNetName || client.title.empty()) {
+                const auto previous = client.title;
+                client.title = boundedText(property->bytes);
+                if (previous != client.title && windows_.contains(client.window)) {
+                    tell(ChangeKind::titled, client);
+                }
+            }
+        }
+    } else if (atom == XCB_ATOM_WM_CLASS) {
+        if (property && property->format == 8) {
+            // Instance, then class, each ended by a zero byte.
+            std::string both(property->bytes.begin(), property->bytes.end());
+            const auto split = both.find('\0');
+            if (split != std::string::npos) {
+                auto className = both.substr(split + 1);
+                className = className.substr(0, className.find('\0'));
+                if (!className.empty()) {
+                    client.applicationName = boundedText({className.begin(), className.end()});
+                }
+            }
+        }
+    } else if (atom == ewmh._NET_WM_WINDOW_TYPE) {
+        client.kind = Kind::normal;
+        for (std::size_t index = 0; property && index < property->itemCount(); ++index) {
+            const auto type = property->cardinal(index).value_or(0);
+            if (type == ewmh._NET_WM_WINDOW_TYPE_NORMAL) {
+                client.kind = Kind::normal;
+            } else if (type == ewmh._NET_WM_WINDOW_TYPE_DIALOG) {
+                client.kind = Kind::dialog;
+            } else if (type == ewmh._NET_WM_WINDOW_TYPE_DOCK) {
+                client.kind = Kind::dock;
+            } else if (type == ewmh._NET_WM_WINDOW_TYPE_DESKTOP) {
+                client.kind = Kind::desktop;
+            } else if (type == ewmh._NET_WM_WINDOW_TYPE_NOTIFICATION) {
+                client.kind = Kind::notification;
+            } else if (type == ewmh._NET_WM_WINDOW_TYPE_UTILITY ||
+                       type == ewmh._NET_WM_WINDOW_TYPE_TOOLBAR ||
+                       type == ewmh._NET_WM_WINDOW_TYPE_MENU ||
+                       type == ewmh._NET_WM_WINDOW_TYPE_SPLASH) {
+                client.kind = Kind::utility;
+            } else {
+                continue;
+            }
+            break;
+        }
+    } else if (atom == ewmh._NET_WM_STATE) {
+        bool hidden = false;
+        bool skipsTaskbar = false;
+        for (std::size_t index = 0; property && index < property->itemCount(); ++index) {
+            const auto state = property->cardinal(index).value_or(0);
+            hidden = hidden || state == ewmh._NET_WM_STATE_HIDDEN;
+            skipsTaskbar = skipsTaskbar || state == ewmh._NET_WM_STATE_SKIP_TASKBAR;
+        }
+        const bool changed = hidden != client.isHidden;
+        client.isHidden = hidden;
+        client.skipsTaskbar = skipsTaskbar;
+        if (changed && windows_.contains(client.window)) {
+            tell(hidden ? ChangeKind::minimized : ChangeKind::unminimized, client);
+        }
+    } else if (atom == ewmh._NET_WM_DESKTOP) {
+        client.desktop = property ? property->cardinal().value_or(0) : 0;
+    } else if (atom == ewmh._NET_FRAME_EXTENTS) {
+        if (property && property->itemCount() == 4) {
+            client.frameLeft = std::min(*property->cardinal(0), 4096u);
+            client.frameRight = std::min(*property->cardinal(1), 4096u);
+            client.frameTop = std::min(*property->cardinal(2), 4096u);
+            client.frameBottom = std::min(*property->cardinal(3), 4096u);
+        }
+    } else {
+        const auto value = property ? property->cardinal() : std::nullopt;
+        client.opacity = value ? static_cast<double>(*value) / 0xFFFFFFFFu : 1.0;
+    }
+}
+
+void X11WindowModel::readIcon(ClientWindow& client) {
+    // Enough for a 512 by 512 icon and a few smaller ones; a longer property is read in part.
+    auto property = connection_.property(
+        connection_.requestProperty(client.window, connection_.ewmh()._NET_WM_ICON, 400000));
+    client.iconWidth = client.iconHeight = 0;
+    client.iconPixels.clear();
+    if (!property || property->format != 32) {
+        return;
+    }
+    const auto count = property->itemCount();
+    std::size_t best = 0;
+    std::uint32_t bestWidth = 0, bestHeight = 0;
+    auto score = [](std::uint32_t side) {
+        // The smallest at least as large as preferred, else the largest.
+        return side >= preferredIconSide ? 100000 - static_cast<int>(side) : static_cast<int>(side);
+    };
+    for (std::size_t index = 0; index + 2 <= count;) {
+        const auto width = *property->cardinal(index);
+        const auto height = *property->cardinal(index + 1);
+        if (width == 0 || height == 0 || width > largestIconSide || height > largestIconSide ||
+            static_cast<std::uint64_t>(width) * height > count - index - 2) {
+            if (index == 0) {
+                log().debug("window 0x%{public}x has a malformed icon; ignored", client.window);
+            }
+            break;
+        }
+        if (bestWidth == 0 ||
+            score(std::max(width, height)) > score(std::max(bestWidth, bestHeight))) {
+            best = index;
+            bestWidth = width;
+            bestHeight = height;
+        }
+        index += 2 + static_cast<std::size_t>(width) * height;
+    }
+    if (bestWidth == 0) {
+        return;
+    }
+    client.iconWidth = bestWidth;
+    client.iconHeight = bestHeight;
+    client.iconPixels.resize(static_cast<std::size_t>(bestWidth) * bestHeight);
+    std::memcpy(client.iconPixels.data(), property->bytes.data() + (best + 2) * 4,
+                client.iconPixels.size() * 4);
+    client.iconGeneration = ++iconGeneration_;
+}
+
+void X11WindowModel::refreshGeometry() {
+    auto* connection = connection_.connection();
+    std::vector<std::pair<xcb_get_geometry_cookie_t, xcb_translate_coordinates_cookie_t>> cookies;
+    for (auto window : stacking_) {
+        cookies.emplace_back(
+            xcb_get_geometry(connection, window),
+            xcb_translate_coordinates(connection, window, connection_.root(), 0, 0));
+    }
+    for (std::size_t index = 0; index < stacking_.size(); ++index) {
+        auto* geometry = xcb_get_geometry_reply(connection, cookies[index].first, nullptr);
+        auto* position =
+            xcb_translate_coordinates_reply(connection, cookies[index].second, nullptr);
+        auto found = windows_.find(stacking_[index]);
+        if (geometry != nullptr && position != nullptr && found != windows_.end()) {
+            auto& client = found->second;
+            client.frame = {
+                {static_cast<double>(position->dst_x) - client.frameLeft,
+                 static_cast<double>(position->dst_y) - client.frameTop},
+                {static_cast<double>(geometry->width) + client.frameLeft + client.frameRight,
+                 static_cast<double>(geometry->height) + client.frameTop + client.frameBottom}};
+        }
+        std::free(geometry);
+        std::free(position);
+    }
+}
+
+}  // namespace orvane

@@ -1,0 +1,87 @@
+// What the X server and the window manager say of the desktop's client windows, kept up to date
+// from property and structure events: the stacking order, the active window, the current
+// desktop, and each window's owner, title, class, type, state, desktop, frame extents, opacity and
+// icon. Geometry is read on demand, for all windows at once. Main thread only.
+#pragma once
+
+#include <xcb/xcb.h>
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/Geometry.h"
+#include "core/Identifiers.h"
+#include "platform/x11/X11Connection.h"
+
+namespace orvane {
+
+class X11WindowModel {
+  public:
+    enum class Kind { normal, dialog, utility, dock, desktop, notification, other };
+
+    struct ClientWindow {
+        xcb_window_t window = 0;
+        ProcessIdentifier process = 0;
+        bool hasRealProcess = false;
+        std::string title;
+        std::string applicationName;
+        Kind kind = Kind::normal;
+        bool isHidden = false;
+        bool skipsTaskbar = false;
+        // 0xFFFFFFFF: on every desktop.
+        std::uint32_t desktop = 0;
+        std::uint32_t frameLeft = 0, frameRight = 0, frameTop = 0, frameBottom = 0;
+        double opacity = 1.0;
+        // In root coordinates, frame included; valid after `refreshGeometry`.
+        Rect frame;
+        // Pixels of the best icon, ARGB, row by row; empty without one.
+        std::uint32_t iconWidth = 0, iconHeight = 0;
+        std::vector<std::uint32_t> iconPixels;
+        std::uint64_t iconGeneration = 0;
+    };
+
+    enum class ChangeKind { added, removed, activated, minimized, unminimized, titled };
+    using Listener = std::function<void(ChangeKind kind, const ClientWindow& window)>;
+
+    explicit X11WindowModel(X11Connection& connection);
+
+    // Front to back.
+    const std::vector<xcb_window_t>& stackingFrontToBack() const { return stacking_; }
+    const ClientWindow* window(xcb_window_t window) const;
+    std::optional<xcb_window_t> activeWindow() const { return active_; }
+    std::uint32_t currentDesktop() const { return currentDesktop_; }
+    // Reads every window's position and size in one batch of requests.
+    void refreshGeometry();
+    // The process of the active window.
+    std::optional<ProcessIdentifier> frontmostProcess() const;
+    // Every process with a client window, in order of first appearance.
+    std::vector<ProcessIdentifier> processes() const;
+
+    void addListener(Listener listener) { listeners_.push_back(std::move(listener)); }
+
+  private:
+    void handleEvent(const xcb_generic_event_t& event);
+    void reloadStacking();
+    void reloadActive();
+    void reloadCurrentDesktop();
+    ClientWindow read(xcb_window_t window);
+    void reloadProperty(ClientWindow& client, xcb_atom_t property);
+    void readIcon(ClientWindow& client);
+    void tell(ChangeKind kind, const ClientWindow& window);
+    std::optional<ProcessIdentifier> processFromResources(xcb_window_t window);
+
+    X11Connection& connection_;
+    std::vector<xcb_window_t> stacking_;
+    std::map<xcb_window_t, ClientWindow> windows_;
+    std::vector<ProcessIdentifier> processOrder_;
+    std::optional<xcb_window_t> active_;
+    std::uint32_t currentDesktop_ = 0;
+    std::vector<Listener> listeners_;
+    std::uint64_t iconGeneration_ = 0;
+};
+
+}  // namespace orvane

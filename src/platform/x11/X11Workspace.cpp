@@ -1,0 +1,127 @@
+#include "platform/x11/X11Workspace.h"
+
+#include <chrono>
+
+namespace orvane {
+
+namespace {
+
+// Seconds from the Unix epoch to the reference date the program's dates count from (2001).
+constexpr double referenceDateOffset = 978307200.0;
+
+Date now() {
+    const auto since = std::chrono::system_clock::now().time_since_epoch();
+    return Date{std::chrono::duration<double>(since).count() - referenceDateOffset};
+}
+
+}  // namespace
+
+X11Workspace::X11Workspace(X11WindowModel& model,
+                           std::shared_ptr<NotificationCenterPort> notifications,
+                           std::shared_ptr<RunLoopPort> runLoop)
+    : model_(model),
+      notifications_(std::move(notifications)),
+      runLoop_(std::move(runLoop)),
+      frontmost_(model.frontmostProcess()) {
+    for (auto process : model_.processes()) {
+        launchDates_.emplace(process, now());
+    }
+    model_.addListener(
+        [this](X11WindowModel::ChangeKind kind, const X11WindowModel::ClientWindow& window) {
+            modelChanged(kind, window);
+        });
+}
+
+std::optional<RunningApplication> X11Workspace::runningApplication(
+    ProcessIdentifier process) const {
+    std::optional<RunningApplication> application;
+    for (auto identifier : model_.stackingFrontToBack()) {
+        const auto* window = model_.window(identifier);
+        if (window == nullptr || window->process != process) {
+            continue;
+        }
+        if (!application) {
+            application.emplace();
+            application->processIdentifier = process;
+            application->activationPolicy = ApplicationActivationPolicy::regular;
+            if (auto found = launchDates_.find(process); found != launchDates_.end()) {
+                application->launchDate = found->second;
+            }
+        }
+        if (!application->localizedName && !window->applicationName.empty()) {
+            application->localizedName = window->applicationName;
+        }
+        if (!application->icon && window->iconWidth > 0) {
+            application->icon = ImageHandle{window->iconGeneration,
+                                            static_cast<double>(window->iconWidth),
+                                            static_cast<double>(window->iconHeight),
+                                            "icon of " + window->applicationName,
+                                            0,
+                                            0};
+        }
+    }
+    return application;
+}
+
+std::vector<RunningApplication> X11Workspace::runningApplications() const {
+    std::vector<RunningApplication> applications;
+    for (auto process : model_.processes()) {
+        if (auto application = runningApplication(process)) {
+            applications.push_back(std::move(*application));
+        }
+    }
+    return applications;
+}
+
+std::optional<RunningApplication> X11Workspace::frontmostApplication() const {
+    const auto process = model_.frontmostProcess();
+    return process ? runningApplication(*process) : std::nullopt;
+}
+
+bool X11Workspace::activateApplication(ProcessIdentifier process, unsigned) {
+    return runningApplication(process).has_value();
+}
+
+const std::vector<std::uint32_t>* X11Workspace::iconPixels(std::uint64_t identifier) const {
+    for (auto window : model_.stackingFrontToBack()) {
+        const auto* client = model_.window(window);
+        if (client != nullptr && client->iconGeneration == identifier &&
+            !client->iconPixels.empty()) {
+            return &client->iconPixels;
+        }
+    }
+    return nullptr;
+}
+
+void X11Workspace::post(const char* name, const RunningApplication& application) {
+    runLoop_->post([notifications = notifications_, name, application] {
+        notifications->postNotification(PlatformNotification{name, application});
+    });
+}
+
+void X11Workspace::modelChanged(X11WindowModel::ChangeKind kind,
+                                const X11WindowModel::ClientWindow& window) {
+    using Kind = X11WindowModel::ChangeKind;
+    if (kind == Kind::added && !launchDates_.contains(window.process)) {
+        launchDates_.emplace(window.process, now());
+        if (auto application = runningApplication(window.process)) {
+            post(workspace_notification::didLaunchApplication, *application);
+        }
+    } else if (kind == Kind::removed && !runningApplication(window.process)) {
+        launchDates_.erase(window.process);
+        RunningApplication gone;
+        gone.processIdentifier = window.process;
+        gone.localizedName = window.applicationName;
+        post(workspace_notification::didTerminateApplication, gone);
+        if (frontmost_ == window.process) {
+            frontmost_.reset();
+        }
+    } else if (kind == Kind::activated && frontmost_ != window.process) {
+        frontmost_ = window.process;
+        if (auto application = runningApplication(window.process)) {
+            post(workspace_notification::didActivateApplication, *application);
+        }
+    }
+}
+
+}  // namespace orvane

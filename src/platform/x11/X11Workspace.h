@@ -1,0 +1,46 @@
+// The workspace over the window model: a running application is a process with client windows,
+// named by its window class or process name; the frontmost one owns the active window. Posts the
+// launch, termination and activation notices on the workspace notification centre, through the
+// run loop.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <optional>
+
+#include "platform/NotificationCenterPort.h"
+#include "platform/RunLoopPort.h"
+#include "platform/WorkspacePort.h"
+#include "platform/x11/X11WindowModel.h"
+
+namespace orvane {
+
+class X11Workspace final : public WorkspacePort {
+  public:
+    X11Workspace(X11WindowModel& model, std::shared_ptr<NotificationCenterPort> notifications,
+                 std::shared_ptr<RunLoopPort> runLoop);
+
+    std::vector<RunningApplication> runningApplications() const override;
+    std::optional<RunningApplication> runningApplication(
+        ProcessIdentifier processIdentifier) const override;
+    std::optional<RunningApplication> frontmostApplication() const override;
+    // The window's own activation brings the application forward on this desktop; this answers
+    // whether the application still runs.
+    bool activateApplication(ProcessIdentifier processIdentifier, unsigned options) override;
+
+    // Pixels of an icon handed out in a running application or window card, ARGB row by row;
+    // nothing when that icon is gone.
+    const std::vector<std::uint32_t>* iconPixels(std::uint64_t identifier) const;
+
+  private:
+    void modelChanged(X11WindowModel::ChangeKind kind, const X11WindowModel::ClientWindow& window);
+    void post(const char* name, const RunningApplication& application);
+
+    X11WindowModel& model_;
+    std::shared_ptr<NotificationCenterPort> notifications_;
+    std::shared_ptr<RunLoopPort> runLoop_;
+    std::map<ProcessIdentifier, Date> launchDates_;
+    std::optional<ProcessIdentifier> frontmost_;
+};
+
+}  // namespace orvane

@@ -1,0 +1,61 @@
+// The overlay's panel on the desktop: an override-redirect window that never takes the focus,
+// painted from the overlay's view data. It follows the view model while it is on screen and
+// repaints only what changed; it has real transparency when a compositor runs and is a square,
+// solid panel when none does.
+#pragma once
+
+#include <QWidget>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "core/Observable.h"
+#include "overlay/OverlayViewBuilder.h"
+#include "overlay/SwitcherOverlayViewModel.h"
+#include "platform/OverlayPanelPort.h"
+#include "ui/qt/QtOverlayRenderer.h"
+
+namespace orvane {
+
+class QtOverlayPanel final : public OverlayPanelPort {
+  public:
+    struct Environment {
+        // Whether a compositor blends windows now.
+        std::function<bool()> isComposited;
+        // Program points (origin bottom left of the primary screen) to desktop logical pixels
+        // (origin top left).
+        std::function<Rect(const Rect&)> toDesktop;
+    };
+
+    QtOverlayPanel(Environment environment, QtOverlayRenderer renderer);
+    ~QtOverlayPanel() override;
+
+    // What the panel draws; observed from now on.
+    void attach(std::shared_ptr<SwitcherOverlayViewModel> viewModel,
+                std::shared_ptr<const OverlayViewBuilder> builder);
+
+    void setFrame(const Rect& frame, bool display) override;
+    void orderFrontRegardless() override;
+    void orderOut() override;
+
+    QWidget& widget();
+    // Called after each paint with what was painted, for measurements.
+    std::function<void()> onPainted;
+
+  private:
+    class Surface;
+
+    void rebuild();
+
+    Environment environment_;
+    QtOverlayRenderer renderer_;
+    std::unique_ptr<Surface> surface_;
+    std::shared_ptr<SwitcherOverlayViewModel> viewModel_;
+    std::shared_ptr<const OverlayViewBuilder> builder_;
+    std::vector<std::function<void()>> unsubscribers_;
+    Size size_;
+    bool visible_ = false;
+};
+
+}  // namespace orvane

@@ -1,0 +1,250 @@
+#include "ui/qt/QtOverlayRenderer.h"
+
+#include <QFontMetricsF>
+#include <QIcon>
+#include <QPainterPath>
+
+#include "ui/qt/QtOverlayStyle.h"
+
+namespace orvane {
+
+namespace {
+
+QRectF qrect(const Rect& rect) {
+    return {rect.origin.x, rect.origin.y, rect.size.width, rect.size.height};
+}
+
+QPainterPath outline(const QRectF& frame, OverlayShapeKind kind, double cornerRadius) {
+    QPainterPath path;
+    switch (kind) {
+        case OverlayShapeKind::rectangle:
+            path.addRect(frame);
+            break;
+        case OverlayShapeKind::roundedRectangle:
+            path.addRoundedRect(frame, cornerRadius, cornerRadius);
+            break;
+        case OverlayShapeKind::capsule: {
+            const double radius = frame.height() / 2;
+            path.addRoundedRect(frame, radius, radius);
+            break;
+        }
+    }
+    return path;
+}
+
+// What a user can see of an element, for telling two builds apart.
+bool looksAlike(const OverlayElement& a, const OverlayElement& b) {
+    if (a.part != b.part || a.key != b.key || !(a.frame() == b.frame()) ||
+        a.content.index() != b.content.index()) {
+        return false;
+    }
+    if (const auto* shape = std::get_if<OverlayShape>(&a.content)) {
+        const auto& other = std::get<OverlayShape>(b.content);
+        return shape->fill == other.fill && shape->stroke == other.stroke &&
+               shape->material == other.material && shape->kind == other.kind;
+    }
+    if (const auto* text = std::get_if<OverlayText>(&a.content)) {
+        const auto& other = std::get<OverlayText>(b.content);
+        return text->text == other.text && text->color == other.color &&
+               text->style == other.style && text->weight == other.weight;
+    }
+    if (const auto* image = std::get_if<OverlayImage>(&a.content)) {
+        const auto& other = std::get<OverlayImage>(b.content);
+        return image->image == other.image && image->opacity == other.opacity;
+    }
+    const auto& symbol = std::get<OverlaySymbol>(a.content);
+    const auto& other = std::get<OverlaySymbol>(b.content);
+    return symbol.symbol == other.symbol && symbol.color == other.color &&
+           symbol.opacity == other.opacity;
+}
+
+const char* themeIconName(OverlaySymbolName symbol) {
+    switch (symbol) {
+        case OverlaySymbolName::magnifyingGlass:
+            return "edit-find";
+        case OverlaySymbolName::macWindow:
+            return "window";
+        case OverlaySymbolName::minimizedWindow:
+            return "window-minimize";
+        case OverlaySymbolName::appDashed:
+            return "application-x-executable";
+        case OverlaySymbolName::returnKey:
+            return "key-enter";
+    }
+    return "";
+}
+
+}  // namespace
+
+QRegion QtOverlayRenderer::changedRegion(const OverlayViewData& before,
+                                         const OverlayViewData& after) {
+    const QRect whole(0, 0, static_cast<int>(std::ceil(after.panelSize.width)),
+                      static_cast<int>(std::ceil(after.panelSize.height)));
+    if (!(before.panelSize == after.panelSize) || before.elements.size() != after.elements.size()) {
+        return whole;
+    }
+    QRegion region;
+    for (std::size_t index = 0; index < after.elements.size(); ++index) {
+        if (!looksAlike(before.elements[index], after.elements[index])) {
+            // A stroke or a shadow may reach a little past the frame.
+            region += qrect(before.elements[index].frame()).toAlignedRect().adjusted(-3, -3, 3, 3);
+            region += qrect(after.elements[index].frame()).toAlignedRect().adjusted(-3, -3, 3, 3);
+        }
+    }
+    return region;
+}
+
+void QtOverlayRenderer::paint(QPainter& painter, const OverlayViewData& data, bool opaque) const {
+    painter.setRenderHint(QPainter::Antialiasing, true);
+    painter.setRenderHint(QPainter::TextAntialiasing, true);
+    for (const auto& element : data.elements) {
+        std::visit(
+            [&](const auto& drawn) {
+                using Drawn = std::decay_t<decltype(drawn)>;
+                if constexpr (std::is_same_v<Drawn, OverlayShape>) {
+                    paintShape(painter, element, drawn, opaque);
+                } else if constexpr (std::is_same_v<Drawn, OverlayText>) {
+                    paintText(painter, drawn);
+                } else if constexpr (std::is_same_v<Drawn, OverlayImage>) {
+                    paintImage(painter, drawn);
+                } else {
+                    paintSymbol(painter, drawn);
+                }
+            },
+            element.content);
+    }
+}
+
+void QtOverlayRenderer::paintShape(QPainter& painter, const OverlayElement& element,
+                                   const OverlayShape& shape, bool opaque) const {
+    // Without a compositor the panel's own corners would come out black: it is square then.
+    const bool squarePanel = opaque && (element.part == OverlayPart::panelBackground ||
+                                        element.part == OverlayPart::panelBorder);
+    auto frame = qrect(shape.frame);
+    if (shape.stroke) {
+        const double inset = shape.stroke->lineWidth / 2;
+        const auto path = outline(frame.adjusted(inset, inset, -inset, -inset),
+                                  squarePanel ? OverlayShapeKind::rectangle : shape.kind,
+                                  std::max(0.0, shape.cornerRadius - inset));
+        if (shape.material) {
+            painter.fillPath(path, QtOverlayStyle::material(opaque));
+        }
+        if (shape.fill) {
+            painter.fillPath(path, QtOverlayStyle::color(shape.fill->color, shape.fill->opacity));
+        }
+        painter.strokePath(path, QPen(QtOverlayStyle::color(shape.stroke->paint.color,
+                                                            shape.stroke->paint.opacity),
+                                      shape.stroke->lineWidth));
+        return;
+    }
+    const auto path =
+        outline(frame, squarePanel ? OverlayShapeKind::rectangle : shape.kind, shape.cornerRadius);
+    if (shape.material) {
+        if (opaque) {
+            painter.fillRect(frame, QtOverlayStyle::material(true));
+        } else {
+            painter.fillPath(path, QtOverlayStyle::material(false));
+        }
+    }
+    if (shape.fill) {
+        painter.fillPath(path, QtOverlayStyle::color(shape.fill->color, shape.fill->opacity));
+    }
+}
+
+void QtOverlayRenderer::paintText(QPainter& painter, const OverlayText& text) const {
+    const auto font = QtOverlayStyle::font(text.style, text.weight);
+    const QFontMetricsF metrics(font);
+    const auto frame = qrect(text.frame);
+    auto words = QString::fromUtf8(text.text.data(), static_cast<qsizetype>(text.text.size()));
+    if (metrics.horizontalAdvance(words) > frame.width() + 0.5) {
+        const auto mode = text.truncation == OverlayTruncation::head     ? Qt::ElideLeft
+                          : text.truncation == OverlayTruncation::middle ? Qt::ElideMiddle
+                                                                         : Qt::ElideRight;
+        words = metrics.elidedText(words, mode, frame.width());
+    }
+    painter.setFont(font);
+    painter.setPen(QtOverlayStyle::color(text.color));
+    painter.drawText(frame.adjusted(0, 0, 2, 0),
+                     Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, words);
+}
+
+void QtOverlayRenderer::paintImage(QPainter& painter, const OverlayImage& image) const {
+    const auto pixels = images_ ? images_(image.image) : QImage();
+    if (pixels.isNull()) {
+        return;
+    }
+    const auto frame = qrect(image.frame);
+    painter.save();
+    painter.setOpacity(image.opacity);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, true);
+    if (image.clipCornerRadius > 0) {
+        QPainterPath clip;
+        clip.addRoundedRect(frame, image.clipCornerRadius, image.clipCornerRadius);
+        painter.setClipPath(clip, Qt::IntersectClip);
+    }
+    painter.drawImage(frame, pixels);
+    painter.restore();
+}
+
+void QtOverlayRenderer::paintSymbol(QPainter& painter, const OverlaySymbol& symbol) const {
+    const auto frame = qrect(symbol.frame);
+    const auto color = QtOverlayStyle::color(symbol.color, symbol.opacity);
+    const auto icon = QIcon::fromTheme(QString::fromLatin1(themeIconName(symbol.symbol)));
+    if (!icon.isNull()) {
+        painter.save();
+        painter.setOpacity(symbol.opacity);
+        icon.paint(&painter, frame.toAlignedRect());
+        painter.restore();
+        return;
+    }
+    painter.save();
+    painter.setPen(QPen(color, std::max(1.2, frame.height() / 12), Qt::SolidLine, Qt::RoundCap));
+    painter.setBrush(Qt::NoBrush);
+    const auto box = frame.adjusted(frame.width() * 0.12, frame.height() * 0.12,
+                                    -frame.width() * 0.12, -frame.height() * 0.12);
+    switch (symbol.symbol) {
+        case OverlaySymbolName::magnifyingGlass: {
+            const QRectF lens(box.left(), box.top(), box.width() * 0.66, box.height() * 0.66);
+            painter.drawEllipse(lens);
+            painter.drawLine(lens.center() + QPointF(lens.width() * 0.36, lens.height() * 0.36),
+                             box.bottomRight());
+            break;
+        }
+        case OverlaySymbolName::macWindow:
+            painter.drawRoundedRect(box, 2, 2);
+            painter.drawLine(QPointF(box.left(), box.top() + box.height() * 0.28),
+                             QPointF(box.right(), box.top() + box.height() * 0.28));
+            break;
+        case OverlaySymbolName::minimizedWindow:
+            painter.drawRoundedRect(box, 2, 2);
+            painter.drawLine(box.topLeft() + QPointF(box.width() * 0.3, box.height() * 0.3),
+                             box.bottomRight() - QPointF(box.width() * 0.25, box.height() * 0.25));
+            painter.drawLine(box.bottomRight() - QPointF(box.width() * 0.25, box.height() * 0.25),
+                             box.bottomRight() - QPointF(box.width() * 0.25, box.height() * 0.55));
+            painter.drawLine(box.bottomRight() - QPointF(box.width() * 0.25, box.height() * 0.25),
+                             box.bottomRight() - QPointF(box.width() * 0.55, box.height() * 0.25));
+            break;
+        case OverlaySymbolName::appDashed: {
+            QPen dashed = painter.pen();
+            dashed.setStyle(Qt::DashLine);
+            painter.setPen(dashed);
+            painter.drawRoundedRect(box, box.width() * 0.2, box.height() * 0.2);
+            break;
+        }
+        case OverlaySymbolName::returnKey:
+            painter.drawLine(QPointF(box.right(), box.top()),
+                             QPointF(box.right(), box.center().y()));
+            painter.drawLine(QPointF(box.right(), box.center().y()),
+                             QPointF(box.left(), box.center().y()));
+            painter.drawLine(
+                QPointF(box.left(), box.center().y()),
+                QPointF(box.left() + box.width() * 0.3, box.top() + box.height() * 0.25));
+            painter.drawLine(
+                QPointF(box.left(), box.center().y()),
+                QPointF(box.left() + box.width() * 0.3, box.bottom() - box.height() * 0.25));
+            break;
+    }
+    painter.restore();
+}
+
+}  // namespace orvane

@@ -1,0 +1,39 @@
+// Paints the overlay's view data with QPainter: shapes, texts (truncated to their frames), images
+// and symbols (themed icons where the desktop has them, simple drawn glyphs otherwise).
+#pragma once
+
+#include <QImage>
+#include <QPainter>
+#include <QRegion>
+#include <functional>
+
+#include "overlay/OverlayViewData.h"
+
+namespace orvane {
+
+class QtOverlayRenderer {
+  public:
+    // The pixels of an image handle; a null image when they are gone.
+    using ImageResolver = std::function<QImage(const ImageHandle& image)>;
+
+    explicit QtOverlayRenderer(ImageResolver images) : images_(std::move(images)) {}
+
+    // Draws every element, in order, into a painter whose unit is one point. With `opaque` the
+    // panel is a square, solid one (no compositor to blend rounded corners).
+    void paint(QPainter& painter, const OverlayViewData& data, bool opaque) const;
+
+    // Where two builds differ, element by element; the whole panel when the element lists or the
+    // panel size differ in shape.
+    static QRegion changedRegion(const OverlayViewData& before, const OverlayViewData& after);
+
+  private:
+    void paintShape(QPainter& painter, const OverlayElement& element, const OverlayShape& shape,
+                    bool opaque) const;
+    void paintText(QPainter& painter, const OverlayText& text) const;
+    void paintImage(QPainter& painter, const OverlayImage& image) const;
+    void paintSymbol(QPainter& painter, const OverlaySymbol& symbol) const;
+
+    ImageResolver images_;
+};
+
+}  // namespace orvane
