@@ -1,11 +1,18 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds the program and plays a scenario on the simulated desktop
-# (the shipped first-start story unless another file is given).
+# Installs what is missing, builds Orvane and runs it. With an X display ($DISPLAY), Orvane runs on
+# that desktop in the foreground until Ctrl-C. Without one, it runs on a demo desktop of its own
+# (Xvfb, Openbox, three xterms), where an Alt-Tab gesture is played through XTest; what happened is
+# printed and screenshots of the overlay are written to build/demo/.
 set -euo pipefail
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 cd "$root"
 
 scripts/install-dependencies.sh
-cmake -S . -B build/release -G Ninja -DCMAKE_BUILD_TYPE=Release >/dev/null
-cmake --build build/release --target orvane-simulator
-build/release/apps/orvane-simulator "${@:-examples/first-start.scenario}"
+cmake -S . -B build/release -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+cmake --build build/release --target orvane_program
+program="$root/build/release/apps/orvane"
+
+if [ -n "${DISPLAY:-}" ] && xdpyinfo >/dev/null 2>&1; then
+    exec "$program" "$@"
+fi
+exec bash scripts/demo.sh "$program"

@@ -1,5 +1,6 @@
 #include "platform/x11/X11Workspace.h"
 
+#include <algorithm>
 #include <chrono>
 
 namespace orvane {
@@ -64,9 +65,18 @@ std::optional<RunningApplication> X11Workspace::runningApplication(
 }
 
 std::vector<RunningApplication> X11Workspace::runningApplications() const {
+    // By each application's front-most window: windows that no focus has ordered yet then follow
+    // the stacking, the best guess of recency there is when the program starts on a busy desktop.
     std::vector<RunningApplication> applications;
-    for (auto process : model_.processes()) {
-        if (auto application = runningApplication(process)) {
+    for (auto identifier : model_.stackingFrontToBack()) {
+        const auto* window = model_.window(identifier);
+        if (window == nullptr ||
+            std::any_of(applications.begin(), applications.end(), [&](const auto& known) {
+                return known.processIdentifier == window->process;
+            })) {
+            continue;
+        }
+        if (auto application = runningApplication(window->process)) {
             applications.push_back(std::move(*application));
         }
     }

@@ -20,6 +20,7 @@ class X11Workspace final : public WorkspacePort {
     X11Workspace(X11WindowModel& model, std::shared_ptr<NotificationCenterPort> notifications,
                  std::shared_ptr<RunLoopPort> runLoop);
 
+    // Ordered by each application's front-most window.
     std::vector<RunningApplication> runningApplications() const override;
     std::optional<RunningApplication> runningApplication(
         ProcessIdentifier processIdentifier) const override;

@@ -1,0 +1,73 @@
+#!/usr/bin/env bash
+# The demo desktop: Xvfb, Openbox without key bindings, three xterms and Orvane. Plays Alt-Tab,
+# then Alt-Tab-Tab with a look at the overlay, and prints which window came forward each time.
+#   bash scripts/demo.sh PATH-TO-ORVANE
+set -euo pipefail
+root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
+program="$1"
+out="$root/build/demo"
+mkdir -p "$out"
+rm -f "$out"/*.png "$out"/*.log
+
+exec 3< <(Xvfb -displayfd 1 -screen 0 1280x800x24 -nolisten tcp 2>"$out/xvfb.log")
+read -r number <&3
+export DISPLAY=":$number"
+export XDG_CONFIG_HOME="$out/config"
+pids=()
+cleanup() {
+    for pid in "${pids[@]}"; do kill "$pid" 2>/dev/null || true; done
+    pkill -f "Xvfb -displayfd 1" 2>/dev/null || true
+}
+trap cleanup EXIT
+
+openbox --config-file "$root/tests/desktop/openbox-rc.xml" >"$out/openbox.log" 2>&1 &
+pids+=($!)
+for attempt in $(seq 50); do
+    xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q window && break
+    sleep 0.1
+done
+for title in Mail Notes Terminal; do
+    xterm -fa Monospace -fs 10 -T "$title" -geometry 70x16 -e "echo $title; sleep 3600" &
+    pids+=($!)
+    sleep 0.6
+done
+
+active() {
+    local id
+    id=$(xprop -root _NET_ACTIVE_WINDOW | awk '{print $NF}')
+    xprop -id "$id" WM_NAME 2>/dev/null | sed 's/.*= //'
+}
+
+"$program" >"$out/orvane.log" 2>&1 &
+pids+=($!)
+for attempt in $(seq 100); do
+    grep -q "launch complete" "$out/orvane.log" && break
+    sleep 0.1
+done
+echo "Demo desktop on $DISPLAY: Openbox with the windows Mail, Notes and Terminal."
+echo "Orvane's log: $out/orvane.log"
+echo
+echo "Active window: $(active)"
+
+echo "Alt down, Tab, Alt up"
+xdotool keydown alt key Tab
+sleep 0.4
+import -window root "$out/alt-tab.png"
+xdotool keyup alt
+sleep 0.4
+echo "  -> active window: $(active)"
+
+echo "Alt down, Tab, Tab, Alt up"
+xdotool keydown alt key Tab key Tab
+sleep 0.4
+import -window root "$out/alt-tab-tab.png"
+xdotool keyup alt
+sleep 0.4
+echo "  -> active window: $(active)"
+
+echo "Alt down, Tab, Escape, Alt up (nothing changes)"
+xdotool keydown alt key Tab key Escape keyup alt
+sleep 0.4
+echo "  -> active window: $(active)"
+echo
+echo "Screenshots of the overlay: $out/alt-tab.png, $out/alt-tab-tab.png"

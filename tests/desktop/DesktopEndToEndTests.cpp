@@ -1,0 +1,188 @@
+// The program on a real X desktop: Xvfb, Openbox, tiny clients and keys through XTest. Each test
+// brings its own clients; the program runs across them, as it does all day.
+
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <deque>
+#include <memory>
+
+#include "DesktopSession.h"
+
+namespace orvane::testing {
+namespace {
+
+class DesktopEndToEndTest : public ::testing::Test {
+  protected:
+    static void SetUpTestSuite() {
+        session = new DesktopSession();
+        if (session->isReady()) {
+            session->startProgram();
+        }
+    }
+    static void TearDownTestSuite() {
+        delete session;
+        session = nullptr;
+    }
+    void SetUp() override {
+        ASSERT_TRUE(session->isReady()) << "no X server could be started";
+        ASSERT_NE(session->programLog().find("global shortcut interception active"),
+                  std::string::npos)
+            << session->programLog();
+    }
+    void TearDown() override {
+        for (auto& client : clients) {
+            session->stopClient(client);
+        }
+        EXPECT_EQ(session->programLog().find("AddressSanitizer"), std::string::npos)
+            << session->programLog();
+    }
+    DesktopSession::Client& start(const std::string& title, std::uint32_t colour) {
+        clients.push_back(session->startClient(title, colour));
+        return clients.back();
+    }
+    void altTab() {
+        session->press("Alt_L");
+        session->tap("Tab");
+        session->release("Alt_L");
+    }
+    bool becomesActive(xcb_window_t window) {
+        return DesktopSession::waitFor(
+            [&] { return session->activeWindow() == window && session->inputFocus() == window; });
+    }
+
+    static DesktopSession* session;
+    // A deque: the references `start` hands out stay valid as clients are added.
+    std::deque<DesktopSession::Client> clients;
+};
+
+DesktopSession* DesktopEndToEndTest::session = nullptr;
+
+// Recency, not stacking: the previous window comes forward, the focus follows it, a window
+// focused by other means moves to the front, and keys outside a gesture reach the client whole.
+TEST_F(DesktopEndToEndTest, AltTabBringsThePreviousWindowForwardInRecencyOrder) {
+    auto& first = start("First", 0xcc3333);
+    auto& second = start("Second", 0x33cc33);
+    auto& third = start("Third", 0x3333cc);
+    ASSERT_EQ(session->activeWindow(), third.window);
+
+    altTab();
+    EXPECT_TRUE(becomesActive(second.window));
+    altTab();
+    EXPECT_TRUE(becomesActive(third.window));
+
+    // A taskbar click on the first window makes it the most recent one.
+    session->activate(first.window);
+    altTab();
+    EXPECT_TRUE(becomesActive(third.window));
+
+    // Outside a gesture the client gets every key itself; the Tab of a gesture it never sees.
+    session->tap("a");
+    session->press("Alt_L");
+    session->tap("b");
+    session->release("Alt_L");
+    const auto a = session->keycode("a");
+    const auto b = session->keycode("b");
+    const auto tab = session->keycode("Tab");
+    ASSERT_TRUE(DesktopSession::waitFor([&] {
+        const auto keys = session->receivedKeycodes(third.window);
+        return std::count(keys.begin(), keys.end(), b) == 1;
+    }));
+    const auto keys = session->receivedKeycodes(third.window);
+    EXPECT_EQ(std::count(keys.begin(), keys.end(), a), 1);
+    EXPECT_EQ(std::count(keys.begin(), keys.end(), tab), 0);
+}
+
+// Tab, Shift-Tab and the arrows move the selection on the overlay, which never takes the focus;
+// Escape leaves the focus where it was. The overlay's pixels show the panel, the selection and
+// each card's icon.
+TEST_F(DesktopEndToEndTest, TheOverlayShowsCardsAndEscapeLeavesTheFocusAlone) {
+    start("Red", 0xdd2222);
+    start("Green", 0x22dd22);
+    auto& blue = start("Blue", 0x2222dd);
+
+    session->press("Alt_L");
+    session->tap("Tab");
+    ASSERT_TRUE(DesktopSession::waitFor([&] { return session->overlayWindow().has_value(); }));
+    session->tap("Tab");
+    session->press("Shift_L");
+    session->tap("Tab");
+    session->release("Shift_L");
+    session->tap("Right");
+    EXPECT_EQ(session->inputFocus(), blue.window);
+    EXPECT_EQ(session->activeWindow(), blue.window);
+
+    const auto overlay = session->overlayWindow();
+    ASSERT_TRUE(overlay.has_value());
+    const char* folder = std::getenv("ORVANE_SCREENSHOT_DIR");
+    const auto capture = session->capture(
+        *overlay, (folder ? std::filesystem::path(folder) : session->folder()) / "switcher.png");
+    ASSERT_GT(capture.width, 200);
+    auto count = [&](std::uint32_t colour) {
+        return std::count(capture.pixels.begin(), capture.pixels.end(), colour);
+    };
+    EXPECT_GT(count(0x262628), capture.width * capture.height / 4) << "the panel";
+    EXPECT_GT(count(0x0a84ff), 100) << "the selection's outline";
+    for (std::uint32_t icon : {0xdd2222u, 0x22dd22u, 0x2222ddu}) {
+        EXPECT_GT(count(icon), 200) << std::hex << icon;
+    }
+
+    session->tap("Escape");
+    EXPECT_TRUE(DesktopSession::waitFor([&] { return !session->overlayWindow(); }));
+    session->release("Alt_L");
+    EXPECT_TRUE(becomesActive(blue.window));
+}
+
+// A minimized window comes back when chosen; a window that closes while the overlay shows it is
+// absorbed, and the next gesture works.
+TEST_F(DesktopEndToEndTest, MinimizedWindowsAreRestoredAndClosedOnesAbsorbed) {
+    auto& hidden = start("Hidden", 0x888800);
+    auto& shown = start("Shown", 0x008888);
+    session->minimize(hidden.window);
+    session->activate(shown.window);
+
+    altTab();
+    EXPECT_TRUE(becomesActive(hidden.window));
+    EXPECT_FALSE(session->isMinimized(hidden.window));
+
+    auto& doomed = start("Doomed", 0x880088);
+    session->press("Alt_L");
+    session->tap("Tab");
+    session->stopClient(doomed);
+    clients.pop_back();
+    session->release("Alt_L");
+    // The selection was the window before the closed one; the next gestures go on as usual.
+    EXPECT_TRUE(becomesActive(hidden.window));
+    altTab();
+    EXPECT_TRUE(becomesActive(shown.window));
+    altTab();
+    EXPECT_TRUE(becomesActive(hidden.window));
+}
+
+// Another program holding Alt-Tab gets one clear line; once it lets go, the retry takes the chord.
+TEST_F(DesktopEndToEndTest, AChordHeldElsewhereComesUpOnceFreed) {
+    auto& one = start("One", 0x444444);
+    auto& two = start("Two", 0x666666);
+    session->stopProgram();
+    auto holder = session->startChordHolder("Tab");
+    session->startProgram();
+    const auto taken = "Alt+Tab is already taken by another program";
+    ASSERT_TRUE(DesktopSession::waitFor(
+        [&] { return session->programLog().find(taken) != std::string::npos; }));
+    session->stopProcess(holder);
+    EXPECT_TRUE(DesktopSession::waitFor(
+        [&] { return session->programLog().find("Alt+Tab is free again") != std::string::npos; },
+        std::chrono::milliseconds(8000)))
+        << session->programLog();
+    const auto log = session->programLog();
+    EXPECT_EQ(log.find(taken), log.rfind(taken)) << "said once, not at every retry";
+    altTab();
+    EXPECT_TRUE(becomesActive(one.window));
+    EXPECT_EQ(session->activeWindow(), one.window);
+    (void)two;
+}
+
+}  // namespace
+}  // namespace orvane::testing
