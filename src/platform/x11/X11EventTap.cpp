@@ -228,6 +228,10 @@ std::vector<X11EventTap::Chord> X11EventTap::chords() const {
         char buffer[64];
         if (keysym != XKB_KEY_NoSymbol && xkb_keysym_get_name(keysym, buffer, sizeof buffer) > 0) {
             keyName = buffer;
+            // "space" reads as "Space" beside "Alt+".
+            if (keyName[0] >= 'a' && keyName[0] <= 'z') {
+                keyName[0] = static_cast<char>(keyName[0] - 'a' + 'A');
+            }
         }
         for (const auto& existing : result) {
             if (existing.keycode == keycode && existing.modifiers == modifiers) {

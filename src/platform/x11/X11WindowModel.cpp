@@ -8,6 +8,7 @@
 #include <fstream>
 
 #include "core/Logger.h"
+#include "platform/x11/X11PropertyParsing.h"
 
 namespace orvane {
 
@@ -19,23 +20,7 @@ const Logger& log() {
 
 // Beyond any kernel's pid_max: such a value is no process.
 constexpr std::uint32_t largestProcessIdentifier = 4194304;
-constexpr std::size_t longestTitle = 1024;
-constexpr std::uint32_t largestIconSide = 1024;
 constexpr std::uint32_t preferredIconSide = 64;
-
-// Cuts a title to a sane length without leaving half a UTF-8 sequence behind.
-std::string boundedText(const std::vector<std::uint8_t>& bytes) {
-    std::string text(bytes.begin(), bytes.end());
-    text = text.substr(0, text.find('\0'));
-    if (text.size() > longestTitle) {
-        std::size_t cut = longestTitle;
-        while (cut > 0 && (static_cast<unsigned char>(text[cut]) & 0xC0) == 0x80) {
-            --cut;
-        }
-        text.resize(cut);
-    }
-    return text;
-}
 
 std::string processName(ProcessIdentifier process) {
     std::ifstream file("/proc/" + std::to_string(process) + "/comm");
@@ -272,7 +257,7 @@ void X11WindowModel::reloadProperty(ClientWindow& client, xcb_atom_t atom) {
             // The EWMH name wins over the ICCCM one whenever it is set.
             if (isNetName || client.title.empty()) {
                 const auto previous = client.title;
-                client.title = boundedText(property->bytes);
+                client.title = X11PropertyParsing::boundedText(property->bytes);
                 if (previous != client.title && windows_.contains(client.window)) {
                     tell(ChangeKind::titled, client);
                 }
@@ -280,15 +265,8 @@ void X11WindowModel::reloadProperty(ClientWindow& client, xcb_atom_t atom) {
         }
     } else if (atom == XCB_ATOM_WM_CLASS) {
         if (property && property->format == 8) {
-            // Instance, then class, each ended by a zero byte.
-            std::string both(property->bytes.begin(), property->bytes.end());
-            const auto split = both.find('\0');
-            if (split != std::string::npos) {
-                auto className = both.substr(split + 1);
-                className = className.substr(0, className.find('\0'));
-                if (!className.empty()) {
-                    client.applicationName = boundedText({className.begin(), className.end()});
-                }
+            if (auto name = X11PropertyParsing::windowClass(property->bytes); !name.empty()) {
+                client.applicationName = std::move(name);
             }
         }
     } else if (atom == ewmh._NET_WM_WINDOW_TYPE) {
@@ -353,39 +331,16 @@ void X11WindowModel::readIcon(ClientWindow& client) {
     if (!property || property->format != 32) {
         return;
     }
-    const auto count = property->itemCount();
-    std::size_t best = 0;
-    std::uint32_t bestWidth = 0, bestHeight = 0;
-    auto score = [](std::uint32_t side) {
-        // The smallest at least as large as preferred, else the largest.
-        return side >= preferredIconSide ? 100000 - static_cast<int>(side) : static_cast<int>(side);
-    };
-    for (std::size_t index = 0; index + 2 <= count;) {
-        const auto width = *property->cardinal(index);
-        const auto height = *property->cardinal(index + 1);
-        if (width == 0 || height == 0 || width > largestIconSide || height > largestIconSide ||
-            static_cast<std::uint64_t>(width) * height > count - index - 2) {
-            if (index == 0) {
-                log().debug("window 0x%{public}x has a malformed icon; ignored", client.window);
-            }
-            break;
-        }
-        if (bestWidth == 0 ||
-            score(std::max(width, height)) > score(std::max(bestWidth, bestHeight))) {
-            best = index;
-            bestWidth = width;
-            bestHeight = height;
-        }
-        index += 2 + static_cast<std::size_t>(width) * height;
-    }
-    if (bestWidth == 0) {
+    std::vector<std::uint32_t> values(property->itemCount());
+    std::memcpy(values.data(), property->bytes.data(), values.size() * 4);
+    auto icon = X11PropertyParsing::bestIcon(values, preferredIconSide);
+    if (!icon) {
+        log().debug("window 0x%{public}x has a malformed icon; ignored", client.window);
         return;
     }
-    client.iconWidth = bestWidth;
-    client.iconHeight = bestHeight;
-    client.iconPixels.resize(static_cast<std::size_t>(bestWidth) * bestHeight);
-    std::memcpy(client.iconPixels.data(), property->bytes.data() + (best + 2) * 4,
-                client.iconPixels.size() * 4);
+    client.iconWidth = icon->width;
+    client.iconHeight = icon->height;
+    client.iconPixels = std::move(icon->pixels);
     client.iconGeneration = ++iconGeneration_;
 }
 
