@@ -2,6 +2,7 @@
 
 #include <QAbstractEventDispatcher>
 #include <QCoreApplication>
+#include <QTimer>
 #include <cstdlib>
 
 #include "app/ProductSettings.h"
@@ -67,7 +68,10 @@ DesktopProgram::DesktopProgram(std::unique_ptr<X11Connection> connection)
     platform.windowList = std::make_shared<X11WindowList>(*model_);
     platform.workspace = workspace_;
     platform.workspaceNotifications = workspaceNotifications;
-    platform.distributedNotifications = std::make_shared<LocalNotificationCenter>();
+    auto distributedNotifications = std::make_shared<LocalNotificationCenter>();
+    sessionEvents_ =
+        std::make_unique<SessionEventsMonitor>(workspaceNotifications, distributedNotifications);
+    platform.distributedNotifications = distributedNotifications;
     platform.eventTaps = eventTap_;
     platform.privateFocusLibrary = std::make_shared<PosixDynamicLibrary>();
     platform.screenCapture = std::make_shared<X11ScreenCapture>(*model_, *screens_, runLoop);
@@ -129,6 +133,15 @@ void DesktopProgram::terminate() {
 }
 
 bool DesktopProgram::isComposited() {
+    if (!composited_) {
+        composited_ = readComposited();
+    }
+    const bool composited = *composited_;
+    QTimer::singleShot(0, [this] { composited_ = readComposited(); });
+    return composited;
+}
+
+bool DesktopProgram::readComposited() {
     const auto selection = "_NET_WM_CM_S0";
     auto* reply = xcb_get_selection_owner_reply(
         connection_->connection(),

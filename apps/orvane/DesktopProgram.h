@@ -7,6 +7,7 @@
 #include <QSocketNotifier>
 #include <map>
 #include <memory>
+#include <optional>
 
 #include "app/OrvaneApp.h"
 #include "platform/x11/X11Accessibility.h"
@@ -16,6 +17,7 @@
 #include "platform/x11/X11WindowModel.h"
 #include "platform/x11/X11Workspace.h"
 #include "ui/qt/QtOverlayPanel.h"
+#include "ui/qt/SessionEventsMonitor.h"
 
 namespace orvane {
 
@@ -34,7 +36,9 @@ class DesktopProgram {
   private:
     explicit DesktopProgram(std::unique_ptr<X11Connection> connection);
 
+    // Answers from the last reading and reads again once the overlay is up, off the key's path.
     bool isComposited();
+    bool readComposited();
     Rect toDesktop(const Rect& frame) const;
     QImage image(const ImageHandle& handle);
 
@@ -44,9 +48,11 @@ class DesktopProgram {
     std::shared_ptr<X11Workspace> workspace_;
     std::shared_ptr<X11EventTap> eventTap_;
     std::shared_ptr<QtOverlayPanel> overlayPanel_;
+    std::unique_ptr<SessionEventsMonitor> sessionEvents_;
     std::unique_ptr<QSocketNotifier> notifier_;
     QMetaObject::Connection aboutToBlock_;
     std::map<std::uint64_t, QImage> images_;
+    std::optional<bool> composited_;
     std::unique_ptr<OrvaneApp> app_;
 };
 

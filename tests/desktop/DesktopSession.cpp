@@ -294,12 +294,18 @@ std::optional<xcb_window_t> DesktopSession::overlayWindow() {
                     xcb_get_property(connection_, 0, children[index], XCB_ATOM_WM_NAME,
                                      XCB_GET_PROPERTY_TYPE_ANY, 0, 64),
                     nullptr);
-                if (name != nullptr &&
+                auto* geometry = xcb_get_geometry_reply(
+                    connection_, xcb_get_geometry(connection_, children[index]), nullptr);
+                // Between gestures the panel waits mapped, far outside the screen.
+                const bool onScreen =
+                    geometry != nullptr && geometry->x > -1000 && geometry->y > -1000;
+                if (name != nullptr && onScreen &&
                     std::string(static_cast<const char*>(xcb_get_property_value(name)),
                                 static_cast<std::size_t>(xcb_get_property_value_length(name))) ==
                         "Orvane overlay") {
                     found = children[index];
                 }
+                std::free(geometry);
                 std::free(name);
             }
             std::free(attributes);

@@ -54,7 +54,7 @@ class DesktopSession {
     void activate(xcb_window_t window);
     void minimize(xcb_window_t window);
     bool isMinimized(xcb_window_t window);
-    // The overlay: the override-redirect window the program shows, when mapped.
+    // The overlay: the override-redirect window the program shows, when on screen.
     std::optional<xcb_window_t> overlayWindow();
     // Pixels of a window's area of the screen, 0xRRGGBB each, row by row; saved as PNG too.
     struct Capture {
@@ -69,9 +69,12 @@ class DesktopSession {
     void sync();
 
     const std::filesystem::path& folder() const { return folder_; }
+    xcb_connection_t* connection() const { return connection_; }
+    xcb_window_t root() const { return root_; }
+    // Starts a process on this display, its output appended to `output`.
+    pid_t spawn(const std::vector<std::string>& arguments, const std::filesystem::path& output);
 
   private:
-    pid_t spawn(const std::vector<std::string>& arguments, const std::filesystem::path& output);
     xcb_atom_t atom(const char* name);
     std::vector<std::uint32_t> cardinals(xcb_window_t window, xcb_atom_t property);
     void sendToWindowManager(xcb_window_t window, xcb_atom_t type, std::vector<std::uint32_t> data);

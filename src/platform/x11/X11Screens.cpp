@@ -9,9 +9,37 @@
 namespace orvane {
 
 X11Screens::X11Screens(X11Connection& connection, X11WindowModel& model)
-    : connection_(connection), model_(model) {}
+    : connection_(connection), model_(model) {
+    auto* randr = xcb_get_extension_data(connection_.connection(), &xcb_randr_id);
+    const std::uint8_t randrBase = randr != nullptr && randr->present ? randr->first_event : 0;
+    if (randrBase != 0) {
+        xcb_randr_select_input(connection_.connection(), connection_.root(),
+                               XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE |
+                                   XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
+                                   XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE);
+    }
+    connection_.addListener([this, randrBase](const xcb_generic_event_t& event) {
+        const auto type = event.response_type & 0x7f;
+        if (randrBase != 0 && (type == randrBase + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
+                               type == randrBase + XCB_RANDR_NOTIFY)) {
+            monitors_.reset();
+        } else if (type == XCB_PROPERTY_NOTIFY) {
+            const auto& notice = reinterpret_cast<const xcb_property_notify_event_t&>(event);
+            if (notice.window == connection_.root() && notice.atom == XCB_ATOM_RESOURCE_MANAGER) {
+                scaleFactor_.reset();
+            }
+        }
+    });
+}
 
-std::vector<X11Screens::Monitor> X11Screens::monitors() const {
+const std::vector<X11Screens::Monitor>& X11Screens::monitors() const {
+    if (!monitors_) {
+        monitors_ = readMonitors();
+    }
+    return *monitors_;
+}
+
+std::vector<X11Screens::Monitor> X11Screens::readMonitors() const {
     std::vector<Monitor> result;
     auto* connection = connection_.connection();
     auto* reply = xcb_randr_get_monitors_reply(
@@ -39,6 +67,13 @@ std::vector<X11Screens::Monitor> X11Screens::monitors() const {
 }
 
 double X11Screens::scaleFactor() const {
+    if (!scaleFactor_) {
+        scaleFactor_ = readScaleFactor();
+    }
+    return *scaleFactor_;
+}
+
+double X11Screens::readScaleFactor() const {
     auto property = connection_.property(
         connection_.requestProperty(connection_.root(), XCB_ATOM_RESOURCE_MANAGER, 65536));
     if (!property || property->format != 8) {
@@ -57,8 +92,7 @@ double X11Screens::scaleFactor() const {
 }
 
 double X11Screens::primaryHeight() const {
-    const auto all = monitors();
-    return all.front().frame.size.height;
+    return monitors().front().frame.size.height;
 }
 
 ScreenDescription X11Screens::describe(const Monitor& monitor, double pivot) const {
@@ -75,7 +109,7 @@ ScreenDescription X11Screens::describe(const Monitor& monitor, double pivot) con
 }
 
 std::vector<ScreenDescription> X11Screens::screens() const {
-    const auto all = monitors();
+    const auto& all = monitors();
     const double pivot = all.front().frame.size.height;
     std::vector<ScreenDescription> result;
     for (const auto& monitor : all) {
@@ -85,7 +119,7 @@ std::vector<ScreenDescription> X11Screens::screens() const {
 }
 
 std::optional<ScreenDescription> X11Screens::mainScreen() const {
-    const auto all = monitors();
+    const auto& all = monitors();
     const double pivot = all.front().frame.size.height;
     Point probe;
     const auto active = model_.activeWindow();

@@ -1,6 +1,7 @@
 // The monitors from RandR, the pointer from the server, and the scale factor from the desktop's
 // DPI setting (Xft.dpi), in the program's screen coordinates: origin at the bottom left of the
-// primary monitor, y growing upwards.
+// primary monitor, y growing upwards. Both are read once and again only after the server says
+// they changed, so a gesture costs no round trip for them.
 #pragma once
 
 #include "platform/ScreenPort.h"
@@ -28,11 +29,15 @@ class X11Screens final : public ScreenPort {
         Rect frame;  // X coordinates, top left origin
         bool primary = false;
     };
-    std::vector<Monitor> monitors() const;
+    const std::vector<Monitor>& monitors() const;
+    std::vector<Monitor> readMonitors() const;
+    double readScaleFactor() const;
     ScreenDescription describe(const Monitor& monitor, double pivot) const;
 
     X11Connection& connection_;
     X11WindowModel& model_;
+    mutable std::optional<std::vector<Monitor>> monitors_;
+    mutable std::optional<double> scaleFactor_;
 };
 
 }  // namespace orvane

@@ -65,6 +65,7 @@ void X11WindowModel::tell(ChangeKind kind, const ClientWindow& window) {
 }
 
 void X11WindowModel::handleEvent(const xcb_generic_event_t& event) {
+    ++eventCount_;
     const auto type = event.response_type & 0x7f;
     auto& ewmh = connection_.ewmh();
     if (type == XCB_PROPERTY_NOTIFY) {
@@ -345,6 +346,12 @@ void X11WindowModel::readIcon(ClientWindow& client) {
 }
 
 void X11WindowModel::refreshGeometry() {
+    // Windows move only by requests the server tells of with events, so without a new event the
+    // last read still holds.
+    if (geometryReadAtEvent_ == eventCount_) {
+        return;
+    }
+    geometryReadAtEvent_ = eventCount_;
     auto* connection = connection_.connection();
     std::vector<std::pair<xcb_get_geometry_cookie_t, xcb_translate_coordinates_cookie_t>> cookies;
     for (auto window : stacking_) {

@@ -54,7 +54,8 @@ class X11WindowModel {
     const ClientWindow* window(xcb_window_t window) const;
     std::optional<xcb_window_t> activeWindow() const { return active_; }
     std::uint32_t currentDesktop() const { return currentDesktop_; }
-    // Reads every window's position and size in one batch of requests.
+    // Reads every window's position and size in one batch of requests; again only after the
+    // server has sent something since the last read.
     void refreshGeometry();
     // The process of the active window.
     std::optional<ProcessIdentifier> frontmostProcess() const;
@@ -82,6 +83,8 @@ class X11WindowModel {
     std::uint32_t currentDesktop_ = 0;
     std::vector<Listener> listeners_;
     std::uint64_t iconGeneration_ = 0;
+    std::uint64_t eventCount_ = 0;
+    std::optional<std::uint64_t> geometryReadAtEvent_;
 };
 
 }  // namespace orvane

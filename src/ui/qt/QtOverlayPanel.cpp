@@ -2,33 +2,46 @@
 
 #include <QPaintEvent>
 #include <QPainter>
+#include <QTimer>
 
 namespace orvane {
 
+namespace {
+
+// Far outside any screen: where the panel waits between gestures.
+constexpr int offscreen = -32000;
+
+}  // namespace
+
 class QtOverlayPanel::Surface final : public QWidget {
   public:
-    explicit Surface(QtOverlayPanel& panel)
+    Surface(QtOverlayPanel& panel, bool translucent)
         : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
                                Qt::X11BypassWindowManagerHint | Qt::WindowDoesNotAcceptFocus),
+          translucent(translucent),
           panel_(panel) {
         setAttribute(Qt::WA_ShowWithoutActivating);
         setAttribute(Qt::WA_X11DoNotAcceptFocus);
-        setAttribute(Qt::WA_TranslucentBackground);
+        // An alpha channel only where a compositor blends it: without one it would only cost.
+        setAttribute(Qt::WA_TranslucentBackground, translucent);
+        setAttribute(Qt::WA_OpaquePaintEvent, !translucent);
         setFocusPolicy(Qt::NoFocus);
         setWindowTitle(QStringLiteral("Orvane overlay"));
     }
 
+    const bool translucent;
     OverlayViewData data;
-    bool opaque = true;
 
   protected:
     void paintEvent(QPaintEvent* event) override {
         QPainter painter(this);
-        painter.setCompositionMode(QPainter::CompositionMode_Source);
-        painter.fillRect(event->rect(), Qt::transparent);
-        painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+        if (translucent) {
+            painter.setCompositionMode(QPainter::CompositionMode_Source);
+            painter.fillRect(event->rect(), Qt::transparent);
+            painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+        }
         painter.setClipRegion(event->region());
-        panel_.renderer_.paint(painter, data, opaque);
+        panel_.renderer_.paint(painter, data, !translucent);
         if (panel_.onPainted) {
             panel_.onPainted();
         }
@@ -41,10 +54,12 @@ class QtOverlayPanel::Surface final : public QWidget {
 QtOverlayPanel::QtOverlayPanel(Environment environment, QtOverlayRenderer renderer)
     : environment_(std::move(environment)),
       renderer_(std::move(renderer)),
-      surface_(std::make_unique<Surface>(*this)) {
-    // The native window, its fonts and the paint path are made now, so the first gesture pays for
-    // none of them.
-    surface_->winId();
+      surface_(std::make_unique<Surface>(
+          *this, environment_.isComposited && environment_.isComposited())) {
+    // The window is mapped out of sight now and its fonts and paint path are warmed up, so the
+    // first gesture pays for none of them.
+    surface_->move(offscreen, offscreen);
+    surface_->show();
     QImage warmUp(64, 64, QImage::Format_ARGB32_Premultiplied);
     QPainter painter(&warmUp);
     OverlayViewData sample{{64, 64}, {}};
@@ -96,32 +111,49 @@ void QtOverlayPanel::rebuild() {
 void QtOverlayPanel::setFrame(const Rect& frame, bool display) {
     const auto desktop = environment_.toDesktop ? environment_.toDesktop(frame) : frame;
     size_ = frame.size;
-    surface_->setGeometry(static_cast<int>(std::lround(desktop.origin.x)),
-                          static_cast<int>(std::lround(desktop.origin.y)),
-                          static_cast<int>(std::ceil(desktop.size.width)),
-                          static_cast<int>(std::ceil(desktop.size.height)));
+    onScreen_ = QPoint(static_cast<int>(std::lround(desktop.origin.x)),
+                       static_cast<int>(std::lround(desktop.origin.y)));
+    surface_->resize(static_cast<int>(std::ceil(desktop.size.width)),
+                     static_cast<int>(std::ceil(desktop.size.height)));
+    if (visible_) {
+        surface_->move(onScreen_);
+    }
     if (display && visible_) {
         rebuild();
     }
 }
 
 void QtOverlayPanel::orderFrontRegardless() {
-    surface_->opaque = !(environment_.isComposited && environment_.isComposited());
+    const bool composited = environment_.isComposited && environment_.isComposited();
+    if (composited != surface_->translucent) {
+        // A compositor came or went: the panel needs the other kind of window.
+        surface_ = std::make_unique<Surface>(*this, composited);
+        surface_->resize(static_cast<int>(std::ceil(size_.width)),
+                         static_cast<int>(std::ceil(size_.height)));
+    }
     if (viewModel_ && builder_) {
         surface_->data = builder_->build(*viewModel_, size_);
     }
     visible_ = true;
-    if (surface_->isVisible()) {
-        surface_->update();
-    } else {
+    if (!surface_->isVisible()) {
+        surface_->move(offscreen, offscreen);
         surface_->show();
     }
+    // Painted while still out of sight, then brought on: no map, and nothing stale shows.
+    surface_->repaint();
+    surface_->move(onScreen_);
     surface_->raise();
 }
 
 void QtOverlayPanel::orderOut() {
     visible_ = false;
-    surface_->hide();
+    // Moved out of sight once the key event that dismissed it has been answered: the window
+    // coming forward is asked for first. It stays mapped, so showing it again costs no map.
+    QTimer::singleShot(0, surface_.get(), [this] {
+        if (!visible_) {
+            surface_->move(offscreen, offscreen);
+        }
+    });
 }
 
 }  // namespace orvane

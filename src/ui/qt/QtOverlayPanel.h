@@ -1,7 +1,8 @@
 // The overlay's panel on the desktop: an override-redirect window that never takes the focus,
 // painted from the overlay's view data. It follows the view model while it is on screen and
 // repaints only what changed; it has real transparency when a compositor runs and is a square,
-// solid panel when none does.
+// solid panel when none does. Between gestures it stays mapped far outside the screen, so that
+// showing it is a move, not a map.
 #pragma once
 
 #include <QWidget>
@@ -55,6 +56,7 @@ class QtOverlayPanel final : public OverlayPanelPort {
     std::shared_ptr<const OverlayViewBuilder> builder_;
     std::vector<std::function<void()>> unsubscribers_;
     Size size_;
+    QPoint onScreen_;
     bool visible_ = false;
 };
 

@@ -189,7 +189,14 @@ void QtOverlayRenderer::paintImage(QPainter& painter, const OverlayImage& image)
 void QtOverlayRenderer::paintSymbol(QPainter& painter, const OverlaySymbol& symbol) const {
     const auto frame = qrect(symbol.frame);
     const auto color = QtOverlayStyle::color(symbol.color, symbol.opacity);
-    const auto icon = QIcon::fromTheme(QString::fromLatin1(themeIconName(symbol.symbol)));
+    auto cached = icons_.find(symbol.symbol);
+    if (cached == icons_.end()) {
+        cached = icons_
+                     .emplace(symbol.symbol,
+                              QIcon::fromTheme(QString::fromLatin1(themeIconName(symbol.symbol))))
+                     .first;
+    }
+    const auto& icon = cached->second;
     if (!icon.isNull()) {
         painter.save();
         painter.setOpacity(symbol.opacity);

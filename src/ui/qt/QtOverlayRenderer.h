@@ -2,10 +2,12 @@
 // and symbols (themed icons where the desktop has them, simple drawn glyphs otherwise).
 #pragma once
 
+#include <QIcon>
 #include <QImage>
 #include <QPainter>
 #include <QRegion>
 #include <functional>
+#include <map>
 
 #include "overlay/OverlayViewData.h"
 
@@ -34,6 +36,8 @@ class QtOverlayRenderer {
     void paintSymbol(QPainter& painter, const OverlaySymbol& symbol) const;
 
     ImageResolver images_;
+    // Theme lookups walk the icon folders: once per symbol is enough.
+    mutable std::map<OverlaySymbolName, QIcon> icons_;
 };
 
 }  // namespace orvane

@@ -1,6 +1,10 @@
 // Measures the overlay's texts and symbols with the fonts the Qt renderer draws them in.
 #pragma once
 
+#include <QFontMetricsF>
+#include <map>
+#include <utility>
+
 #include "overlay/OverlayTextMeasuring.h"
 
 namespace orvane {
@@ -10,6 +14,11 @@ class QtTextMeasurer final : public OverlayTextMeasuring {
     Size textSize(std::string_view text, OverlayTextStyle style,
                   OverlayFontWeight weight) const override;
     Size symbolSize(OverlaySymbolName symbol, OverlayTextStyle style) const override;
+
+  private:
+    // Font metrics are dear to make and asked for at every card; one per style and weight.
+    const QFontMetricsF& metrics(OverlayTextStyle style, OverlayFontWeight weight) const;
+    mutable std::map<std::pair<OverlayTextStyle, OverlayFontWeight>, QFontMetricsF> metrics_;
 };
 
 }  // namespace orvane
