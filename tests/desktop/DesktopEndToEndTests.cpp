@@ -39,8 +39,9 @@ class DesktopEndToEndTest : public ::testing::Test {
         EXPECT_EQ(session->programLog().find("AddressSanitizer"), std::string::npos)
             << session->programLog();
     }
-    DesktopSession::Client& start(const std::string& title, std::uint32_t colour) {
-        clients.push_back(session->startClient(title, colour));
+    DesktopSession::Client& start(const std::string& title, std::uint32_t colour,
+                                  bool absurd = false) {
+        clients.push_back(session->startClient(title, colour, absurd));
         return clients.back();
     }
     void altTab() {
@@ -159,6 +160,24 @@ TEST_F(DesktopEndToEndTest, MinimizedWindowsAreRestoredAndClosedOnesAbsorbed) {
     EXPECT_TRUE(becomesActive(shown.window));
     altTab();
     EXPECT_TRUE(becomesActive(hidden.window));
+}
+
+// A window on another virtual desktop comes forward with its desktop; a client with an impossible
+// process, a 200 KB title and a lying icon is listed like any other and breaks nothing.
+TEST_F(DesktopEndToEndTest, OtherDesktopsAndAbsurdClients) {
+    auto& elsewhere = start("Elsewhere", 0x224466);
+    session->moveToDesktop(elsewhere.window, 1);
+    auto& absurd = start("Absurd", 0x664422, true);
+    ASSERT_EQ(session->currentDesktop(), 0u);
+    ASSERT_EQ(session->activeWindow(), absurd.window);
+
+    altTab();
+    EXPECT_TRUE(becomesActive(elsewhere.window));
+    EXPECT_EQ(session->currentDesktop(), 1u);
+    altTab();
+    EXPECT_TRUE(becomesActive(absurd.window));
+    EXPECT_EQ(session->currentDesktop(), 0u);
+    EXPECT_NE(session->programLog().find("claims process 4294967295; ignored"), std::string::npos);
 }
 
 // Another program holding Alt-Tab gets one clear line; once it lets go, the retry takes the chord.

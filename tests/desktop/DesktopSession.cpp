@@ -158,15 +158,23 @@ std::vector<std::uint32_t> DesktopSession::cardinals(xcb_window_t window, xcb_at
     return values;
 }
 
-DesktopSession::Client DesktopSession::startClient(const std::string& title, std::uint32_t colour) {
+DesktopSession::Client DesktopSession::startClient(const std::string& title, std::uint32_t colour,
+                                                   bool absurd) {
     char hex[16];
     std::snprintf(hex, sizeof hex, "%06x", colour);
     Client client;
-    client.process = spawn({ORVANE_TEST_CLIENT_PATH, title, hex}, folder_ / "clients.log");
+    std::vector<std::string> arguments{ORVANE_TEST_CLIENT_PATH, title, hex};
+    if (absurd) {
+        arguments.emplace_back("--absurd");
+    }
+    client.process = spawn(arguments, folder_ / "clients.log");
+    const auto known = cardinals(root_, atom("_NET_CLIENT_LIST"));
     waitFor([&] {
         for (auto window : cardinals(root_, atom("_NET_CLIENT_LIST"))) {
             const auto pid = cardinals(window, atom("_NET_WM_PID"));
-            if (!pid.empty() && static_cast<pid_t>(pid[0]) == client.process) {
+            const bool isNew = std::find(known.begin(), known.end(), window) == known.end();
+            if (!pid.empty() &&
+                (static_cast<pid_t>(pid[0]) == client.process || (absurd && isNew))) {
                 client.window = window;
                 return activeWindow() == window;
             }
@@ -267,6 +275,19 @@ void DesktopSession::activate(xcb_window_t window) {
 void DesktopSession::minimize(xcb_window_t window) {
     sendToWindowManager(window, atom("WM_CHANGE_STATE"), {3});
     waitFor([&] { return isMinimized(window); });
+}
+
+void DesktopSession::moveToDesktop(xcb_window_t window, std::uint32_t desktop) {
+    sendToWindowManager(window, atom("_NET_WM_DESKTOP"), {desktop, 2});
+    waitFor([&] {
+        const auto values = cardinals(window, atom("_NET_WM_DESKTOP"));
+        return !values.empty() && values[0] == desktop;
+    });
+}
+
+std::uint32_t DesktopSession::currentDesktop() {
+    const auto values = cardinals(root_, atom("_NET_CURRENT_DESKTOP"));
+    return values.empty() ? 0 : values[0];
 }
 
 bool DesktopSession::isMinimized(xcb_window_t window) {

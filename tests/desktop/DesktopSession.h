@@ -33,7 +33,7 @@ class DesktopSession {
         xcb_window_t window = 0;
     };
     // Starts a client and waits until the window manager lists and focuses its window.
-    Client startClient(const std::string& title, std::uint32_t colour);
+    Client startClient(const std::string& title, std::uint32_t colour, bool absurd = false);
     void stopClient(Client& client);
     // A client that holds a key chord, as a window manager's own switcher would; killed by
     // `stopProcess`.
@@ -53,6 +53,9 @@ class DesktopSession {
     // Asks the window manager to activate or minimize a window, as a taskbar would.
     void activate(xcb_window_t window);
     void minimize(xcb_window_t window);
+    // Moves a window to another virtual desktop, as a pager would.
+    void moveToDesktop(xcb_window_t window, std::uint32_t desktop);
+    std::uint32_t currentDesktop();
     bool isMinimized(xcb_window_t window);
     // The overlay: the override-redirect window the program shows, when on screen.
     std::optional<xcb_window_t> overlayWindow();

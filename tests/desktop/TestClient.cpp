@@ -2,7 +2,9 @@
 // and a matching icon, that records every key it receives (the key codes, appended to its
 // _ORVANE_RECEIVED property) and quits when the window manager closes it. With --hold it holds
 // Alt+Tab instead, as a window manager's own switcher does, until it is killed.
-//   orvane-test-client TITLE RRGGBB
+// With --absurd after the colour it claims an impossible process, a title of 200 KB and an icon
+// whose sizes lie, as a broken client might.
+//   orvane-test-client TITLE RRGGBB [--absurd]
 //   orvane-test-client --hold TAB-KEYCODE
 
 #include <unistd.h>
@@ -47,7 +49,8 @@ int main(int argc, char** argv) {
         }
         return 0;
     }
-    const std::string title = argv[1];
+    const bool absurd = argc > 3 && std::string(argv[3]) == "--absurd";
+    const std::string title = absurd ? std::string(argv[1]) + std::string(200000, 'x') : argv[1];
     const std::uint32_t colour = static_cast<std::uint32_t>(std::strtoul(argv[2], nullptr, 16));
     auto* connection = xcb_connect(nullptr, nullptr);
     if (xcb_connection_has_error(connection) != 0) {
@@ -72,9 +75,9 @@ int main(int argc, char** argv) {
         title.data());
     const char wmClass[] = "orvane-test-client\0OrvaneTestClient";
     set(XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 8, sizeof wmClass, wmClass);
-    const std::uint32_t pid = static_cast<std::uint32_t>(getpid());
+    const std::uint32_t pid = absurd ? 0xFFFFFFFFu : static_cast<std::uint32_t>(getpid());
     set(atom(connection, "_NET_WM_PID"), XCB_ATOM_CARDINAL, 32, 1, &pid);
-    std::vector<std::uint32_t> icon{16, 16};
+    std::vector<std::uint32_t> icon{absurd ? 100000u : 16u, 16};
     icon.resize(2 + 256, 0xFF000000u | colour);
     set(atom(connection, "_NET_WM_ICON"), XCB_ATOM_CARDINAL, 32,
         static_cast<std::uint32_t>(icon.size()), icon.data());
