@@ -47,7 +47,8 @@ DesktopProgram::DesktopProgram(std::unique_ptr<X11Connection> connection)
     model_ = std::make_unique<X11WindowModel>(*connection_);
     screens_ = std::make_unique<X11Screens>(*connection_, *model_);
     auto workspaceNotifications = std::make_shared<LocalNotificationCenter>();
-    workspace_ = std::make_shared<X11Workspace>(*model_, workspaceNotifications, runLoop);
+    // Before the Accessibility port: it must hear of a launch before the focus notices.
+    workspace_ = std::make_shared<X11Workspace>(*model_, workspaceNotifications);
     eventTap_ = std::make_shared<X11EventTap>(*connection_);
     overlayPanel_ = std::make_shared<QtOverlayPanel>(
         QtOverlayPanel::Environment{[this] { return isComposited(); },

@@ -55,6 +55,12 @@ DesktopSession::DesktopSession() {
     display_ = ":" + number;
     ::setenv("DISPLAY", display_.c_str(), 1);
     ::setenv("XDG_CONFIG_HOME", (folder_ / "config").c_str(), 1);
+    // Under LeakSanitizer the program reports only leaks of its own.
+    const char* leakOptions = std::getenv("LSAN_OPTIONS");
+    const std::string suppressions = std::string("suppressions=") + ORVANE_LSAN_SUPPRESSIONS;
+    ::setenv("LSAN_OPTIONS",
+             (leakOptions ? std::string(leakOptions) + ":" + suppressions : suppressions).c_str(),
+             1);
     connection_ = xcb_connect(display_.c_str(), nullptr);
     if (xcb_connection_has_error(connection_) != 0) {
         xcb_disconnect(connection_);

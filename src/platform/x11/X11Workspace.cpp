@@ -18,11 +18,9 @@ Date now() {
 }  // namespace
 
 X11Workspace::X11Workspace(X11WindowModel& model,
-                           std::shared_ptr<NotificationCenterPort> notifications,
-                           std::shared_ptr<RunLoopPort> runLoop)
+                           std::shared_ptr<NotificationCenterPort> notifications)
     : model_(model),
       notifications_(std::move(notifications)),
-      runLoop_(std::move(runLoop)),
       frontmost_(model.frontmostProcess()) {
     for (auto process : model_.processes()) {
         launchDates_.emplace(process, now());
@@ -104,9 +102,9 @@ const std::vector<std::uint32_t>* X11Workspace::iconPixels(std::uint64_t identif
 }
 
 void X11Workspace::post(const char* name, const RunningApplication& application) {
-    runLoop_->post([notifications = notifications_, name, application] {
-        notifications->postNotification(PlatformNotification{name, application});
-    });
+    // At once, not later: an application's launch must be heard before the focus notices about
+    // its windows that the same batch of events brings.
+    notifications_->postNotification(PlatformNotification{name, application});
 }
 
 void X11Workspace::modelChanged(X11WindowModel::ChangeKind kind,

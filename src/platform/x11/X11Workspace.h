@@ -1,7 +1,7 @@
 // The workspace over the window model: a running application is a process with client windows,
 // named by its window class or process name; the frontmost one owns the active window. Posts the
-// launch, termination and activation notices on the workspace notification centre, through the
-// run loop.
+// launch, termination and activation notices on the workspace notification centre as the window
+// model tells of them; it must be made before the Accessibility port, so that it hears first.
 #pragma once
 
 #include <map>
@@ -9,7 +9,6 @@
 #include <optional>
 
 #include "platform/NotificationCenterPort.h"
-#include "platform/RunLoopPort.h"
 #include "platform/WorkspacePort.h"
 #include "platform/x11/X11WindowModel.h"
 
@@ -17,8 +16,7 @@ namespace orvane {
 
 class X11Workspace final : public WorkspacePort {
   public:
-    X11Workspace(X11WindowModel& model, std::shared_ptr<NotificationCenterPort> notifications,
-                 std::shared_ptr<RunLoopPort> runLoop);
+    X11Workspace(X11WindowModel& model, std::shared_ptr<NotificationCenterPort> notifications);
 
     // Ordered by each application's front-most window.
     std::vector<RunningApplication> runningApplications() const override;
@@ -39,7 +37,6 @@ class X11Workspace final : public WorkspacePort {
 
     X11WindowModel& model_;
     std::shared_ptr<NotificationCenterPort> notifications_;
-    std::shared_ptr<RunLoopPort> runLoop_;
     std::map<ProcessIdentifier, Date> launchDates_;
     std::optional<ProcessIdentifier> frontmost_;
 };
