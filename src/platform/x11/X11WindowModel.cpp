@@ -65,7 +65,6 @@ void X11WindowModel::tell(ChangeKind kind, const ClientWindow& window) {
 }
 
 void X11WindowModel::handleEvent(const xcb_generic_event_t& event) {
-    ++eventCount_;
     const auto type = event.response_type & 0x7f;
     auto& ewmh = connection_.ewmh();
     if (type == XCB_PROPERTY_NOTIFY) {
@@ -84,6 +83,22 @@ void X11WindowModel::handleEvent(const xcb_generic_event_t& event) {
         auto found = windows_.find(notice.window);
         if (found != windows_.end()) {
             reloadProperty(found->second, notice.atom);
+        }
+    } else if (type == XCB_CONFIGURE_NOTIFY) {
+        const auto& notice = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
+        auto found = windows_.find(notice.window);
+        if (found == windows_.end()) {
+            return;
+        }
+        auto& client = found->second;
+        // A real notice is relative to the frame, which says nothing of where the window is.
+        client.isFrameKnown = (event.response_type & 0x80) != 0;
+        if (client.isFrameKnown) {
+            client.frame = {
+                {static_cast<double>(notice.x) - client.frameLeft,
+                 static_cast<double>(notice.y) - client.frameTop},
+                {static_cast<double>(notice.width) + client.frameLeft + client.frameRight,
+                 static_cast<double>(notice.height) + client.frameTop + client.frameBottom}};
         }
     } else if (type == XCB_DESTROY_NOTIFY) {
         const auto& notice = reinterpret_cast<const xcb_destroy_notify_event_t&>(event);
@@ -311,6 +326,7 @@ void X11WindowModel::reloadProperty(ClientWindow& client, xcb_atom_t atom) {
     } else if (atom == ewmh._NET_WM_DESKTOP) {
         client.desktop = property ? property->cardinal().value_or(0) : 0;
     } else if (atom == ewmh._NET_FRAME_EXTENTS) {
+        client.isFrameKnown = false;
         if (property && property->itemCount() == 4) {
             client.frameLeft = std::min(*property->cardinal(0), 4096u);
             client.frameRight = std::min(*property->cardinal(1), 4096u);
@@ -346,26 +362,27 @@ void X11WindowModel::readIcon(ClientWindow& client) {
 }
 
 void X11WindowModel::refreshGeometry() {
-    // Windows move only by requests the server tells of with events, so without a new event the
-    // last read still holds.
-    if (geometryReadAtEvent_ == eventCount_) {
-        return;
-    }
-    geometryReadAtEvent_ = eventCount_;
     auto* connection = connection_.connection();
+    std::vector<xcb_window_t> unknown;
     std::vector<std::pair<xcb_get_geometry_cookie_t, xcb_translate_coordinates_cookie_t>> cookies;
     for (auto window : stacking_) {
+        auto found = windows_.find(window);
+        if (found == windows_.end() || found->second.isFrameKnown) {
+            continue;
+        }
+        unknown.push_back(window);
         cookies.emplace_back(
             xcb_get_geometry(connection, window),
             xcb_translate_coordinates(connection, window, connection_.root(), 0, 0));
     }
-    for (std::size_t index = 0; index < stacking_.size(); ++index) {
+    for (std::size_t index = 0; index < unknown.size(); ++index) {
         auto* geometry = xcb_get_geometry_reply(connection, cookies[index].first, nullptr);
         auto* position =
             xcb_translate_coordinates_reply(connection, cookies[index].second, nullptr);
-        auto found = windows_.find(stacking_[index]);
+        auto found = windows_.find(unknown[index]);
         if (geometry != nullptr && position != nullptr && found != windows_.end()) {
             auto& client = found->second;
+            client.isFrameKnown = true;
             client.frame = {
                 {static_cast<double>(position->dst_x) - client.frameLeft,
                  static_cast<double>(position->dst_y) - client.frameTop},

@@ -1,7 +1,8 @@
 // What the X server and the window manager say of the desktop's client windows, kept up to date
 // from property and structure events: the stacking order, the active window, the current
 // desktop, and each window's owner, title, class, type, state, desktop, frame extents, opacity and
-// icon. Geometry is read on demand, for all windows at once. Main thread only.
+// icon. Geometry follows the window manager's configure notices and is read from the server only
+// for windows whose notices did not tell it. Main thread only.
 #pragma once
 
 #include <xcb/xcb.h>
@@ -38,6 +39,9 @@ class X11WindowModel {
         double opacity = 1.0;
         // In root coordinates, frame included; valid after `refreshGeometry`.
         Rect frame;
+        // Whether `frame` still holds: window managers tell of every move with a synthetic
+        // ConfigureNotify in root coordinates; anything else makes it unknown again.
+        bool isFrameKnown = false;
         // Pixels of the best icon, ARGB, row by row; empty without one.
         std::uint32_t iconWidth = 0, iconHeight = 0;
         std::vector<std::uint32_t> iconPixels;
@@ -54,8 +58,7 @@ class X11WindowModel {
     const ClientWindow* window(xcb_window_t window) const;
     std::optional<xcb_window_t> activeWindow() const { return active_; }
     std::uint32_t currentDesktop() const { return currentDesktop_; }
-    // Reads every window's position and size in one batch of requests; again only after the
-    // server has sent something since the last read.
+    // Reads the position and size of every window whose frame is not known, in one batch.
     void refreshGeometry();
     // The process of the active window.
     std::optional<ProcessIdentifier> frontmostProcess() const;
@@ -83,8 +86,6 @@ class X11WindowModel {
     std::uint32_t currentDesktop_ = 0;
     std::vector<Listener> listeners_;
     std::uint64_t iconGeneration_ = 0;
-    std::uint64_t eventCount_ = 0;
-    std::optional<std::uint64_t> geometryReadAtEvent_;
 };
 
 }  // namespace orvane
