@@ -1,0 +1,14 @@
+#!/usr/bin/env bash
+# Builds Orvane optimised and measures it on a desktop of its own under Xvfb, side by side with a
+# minimal program on the same key: key press to overlay painted at 6 and 30 windows, Tab to
+# repaint, release to the chosen window active, and idle CPU over 30 seconds. Takes about three
+# minutes; run it on an otherwise quiet machine.
+#   bash scripts/bench-desktop.sh [TRIALS]
+set -euo pipefail
+root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
+cd "$root"
+
+scripts/install-dependencies.sh
+cmake -S . -B build/release -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+cmake --build build/release --target orvane_desktop_benchmark
+build/release/bench/orvane_desktop_benchmark "${1:-20}"
