@@ -65,7 +65,7 @@ DesktopProgram::DesktopProgram(std::unique_ptr<X11Connection> connection)
     platform.clock = std::make_shared<SystemClock>();
     platform.application = std::make_shared<QtApplicationObject>(applicationNotifications);
     platform.applicationNotifications = applicationNotifications;
-    platform.accessibility = std::make_shared<X11Accessibility>(*connection_, *model_);
+    platform.accessibility = std::make_shared<X11Accessibility>(*connection_, *model_, runLoop);
     platform.windowList = std::make_shared<X11WindowList>(*model_);
     platform.workspace = workspace_;
     platform.workspaceNotifications = workspaceNotifications;

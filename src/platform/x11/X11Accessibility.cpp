@@ -51,8 +51,12 @@ const char* subrole(X11WindowModel::Kind kind) {
 
 }  // namespace
 
-X11Accessibility::X11Accessibility(X11Connection& connection, X11WindowModel& model)
-    : connection_(connection), model_(model), frontmostProcess_(model.frontmostProcess()) {
+X11Accessibility::X11Accessibility(X11Connection& connection, X11WindowModel& model,
+                                   std::shared_ptr<RunLoopPort> runLoop)
+    : connection_(connection),
+      model_(model),
+      runLoop_(std::move(runLoop)),
+      frontmostProcess_(model.frontmostProcess()) {
     model_.addListener(
         [this](X11WindowModel::ChangeKind kind, const X11WindowModel::ClientWindow& window) {
             modelChanged(kind, window);
@@ -166,6 +170,9 @@ AccessibilityError X11Accessibility::setAttributeValue(const AccessibilityElemen
         }
         const auto active = model_.activeWindow().value_or(XCB_NONE);
         sendToWindowManager(window->window, ewmh._NET_ACTIVE_WINDOW, {sourcePager, time, active});
+        if (pendingRaise_ == window->window) {
+            pendingRaise_.reset();
+        }
     } else {
         return accessibility_error::attributeUnsupported;
     }
@@ -183,11 +190,27 @@ AccessibilityError X11Accessibility::performAction(const AccessibilityElementHan
     if (action != "AXRaise") {
         return accessibility_error::actionUnsupported;
     }
-    constexpr std::uint32_t above = 0;
-    sendToWindowManager(window->window, connection_.ewmh()._NET_RESTACK_WINDOW,
-                        {sourcePager, XCB_NONE, above});
-    connection_.flush();
+    if (!pendingRaise_) {
+        runLoop_->post([weak = weak_from_this()] {
+            if (auto self = weak.lock()) {
+                self->sendPendingRaise();
+            }
+        });
+    }
+    pendingRaise_ = window->window;
     return accessibility_error::success;
+}
+
+void X11Accessibility::sendPendingRaise() {
+    if (!pendingRaise_ || model_.window(*pendingRaise_) == nullptr) {
+        pendingRaise_.reset();
+        return;
+    }
+    constexpr std::uint32_t above = 0;
+    sendToWindowManager(*pendingRaise_, connection_.ewmh()._NET_RESTACK_WINDOW,
+                        {sourcePager, XCB_NONE, above});
+    pendingRaise_.reset();
+    connection_.flush();
 }
 
 AccessibilityElementHandle X11Accessibility::createApplicationElement(ProcessIdentifier process) {

@@ -5,17 +5,22 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "platform/AccessibilityPort.h"
+#include "platform/RunLoopPort.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11WindowModel.h"
 
 namespace orvane {
 
-class X11Accessibility final : public AccessibilityPort {
+// Must be held by a std::shared_ptr: a raise waits on the run loop, holding it weakly.
+class X11Accessibility final : public AccessibilityPort,
+                               public std::enable_shared_from_this<X11Accessibility> {
   public:
-    X11Accessibility(X11Connection& connection, X11WindowModel& model);
+    X11Accessibility(X11Connection& connection, X11WindowModel& model,
+                     std::shared_ptr<RunLoopPort> runLoop);
 
     AttributeReading copyAttributeValue(const AccessibilityElementHandle& element,
                                         std::string_view attribute) const override;
@@ -47,8 +52,15 @@ class X11Accessibility final : public AccessibilityPort {
     void sendToWindowManager(xcb_window_t window, xcb_atom_t type,
                              std::initializer_list<std::uint32_t> data);
 
+    void sendPendingRaise();
+
     X11Connection& connection_;
     X11WindowModel& model_;
+    std::shared_ptr<RunLoopPort> runLoop_;
+    // A raise is sent once the current work is done, and not at all when the same window is
+    // activated meanwhile: activation raises it anyway, and one request reaches the window
+    // manager sooner than two.
+    std::optional<xcb_window_t> pendingRaise_;
     std::vector<std::weak_ptr<Observer>> observers_;
     std::optional<ProcessIdentifier> frontmostProcess_;
 };
