@@ -3,6 +3,7 @@
 #include <QFontMetricsF>
 #include <QIcon>
 #include <QPainterPath>
+#include <cmath>
 
 #include "ui/qt/QtOverlayStyle.h"
 
@@ -141,7 +142,7 @@ void QtOverlayRenderer::paintShape(QPainter& painter, const OverlayElement& elem
         outline(frame, squarePanel ? OverlayShapeKind::rectangle : shape.kind, shape.cornerRadius);
     if (shape.material) {
         if (opaque) {
-            painter.fillRect(frame, QtOverlayStyle::material(true));
+            painter.fillPath(path, QtOverlayStyle::material(true));
         } else {
             painter.fillPath(path, QtOverlayStyle::material(false));
         }
@@ -169,20 +170,44 @@ void QtOverlayRenderer::paintText(QPainter& painter, const OverlayText& text) co
 }
 
 void QtOverlayRenderer::paintImage(QPainter& painter, const OverlayImage& image) const {
-    const auto pixels = images_ ? images_(image.image) : QImage();
-    if (pixels.isNull()) {
+    const auto frame = qrect(image.frame);
+    const double ratio = painter.device() ? painter.device()->devicePixelRatioF() : 1.0;
+    const QSize pixels(static_cast<int>(std::lround(frame.width() * ratio)),
+                       static_cast<int>(std::lround(frame.height() * ratio)));
+    if (pixels.isEmpty()) {
         return;
     }
-    const auto frame = qrect(image.frame);
+    // Scaling and clipping are done once per image and size; each paint is then a plain copy.
+    const ScaledKey key{image.image.identifier, pixels.width(), pixels.height(),
+                        image.clipCornerRadius};
+    auto cached = scaled_.find(key);
+    if (cached == scaled_.end()) {
+        const auto source = images_ ? images_(image.image) : QImage();
+        if (source.isNull()) {
+            return;
+        }
+        QImage result(pixels, QImage::Format_ARGB32_Premultiplied);
+        result.fill(Qt::transparent);
+        QPainter scaler(&result);
+        scaler.setRenderHint(QPainter::Antialiasing, true);
+        scaler.setRenderHint(QPainter::SmoothPixmapTransform, true);
+        if (image.clipCornerRadius > 0) {
+            QPainterPath clip;
+            const double radius = image.clipCornerRadius * ratio;
+            clip.addRoundedRect(QRectF(QPointF(0, 0), QSizeF(pixels)), radius, radius);
+            scaler.setClipPath(clip);
+        }
+        scaler.drawImage(QRectF(QPointF(0, 0), QSizeF(pixels)), source);
+        scaler.end();
+        result.setDevicePixelRatio(ratio);
+        if (scaled_.size() > 512) {
+            scaled_.clear();
+        }
+        cached = scaled_.emplace(key, std::move(result)).first;
+    }
     painter.save();
     painter.setOpacity(image.opacity);
-    painter.setRenderHint(QPainter::SmoothPixmapTransform, true);
-    if (image.clipCornerRadius > 0) {
-        QPainterPath clip;
-        clip.addRoundedRect(frame, image.clipCornerRadius, image.clipCornerRadius);
-        painter.setClipPath(clip, Qt::IntersectClip);
-    }
-    painter.drawImage(frame, pixels);
+    painter.drawImage(frame.topLeft(), cached->second);
     painter.restore();
 }
 

@@ -8,6 +8,7 @@
 #include <QRegion>
 #include <functional>
 #include <map>
+#include <tuple>
 
 #include "overlay/OverlayViewData.h"
 
@@ -36,6 +37,8 @@ class QtOverlayRenderer {
     void paintSymbol(QPainter& painter, const OverlaySymbol& symbol) const;
 
     ImageResolver images_;
+    using ScaledKey = std::tuple<std::uint64_t, int, int, double>;
+    mutable std::map<ScaledKey, QImage> scaled_;
     // Theme lookups walk the icon folders: once per symbol is enough.
     mutable std::map<OverlaySymbolName, QIcon> icons_;
 };
