@@ -16,7 +16,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         std::abort();
     }
     std::vector<std::uint32_t> values(size / 4);
-    std::memcpy(values.data(), data, values.size() * 4);
+    if (!values.empty()) {
+        std::memcpy(values.data(), data, values.size() * 4);
+    }
     if (const auto icon = X11PropertyParsing::bestIcon(values, size > 0 ? data[0] : 64)) {
         if (icon->width == 0 || icon->height == 0 ||
             icon->pixels.size() != static_cast<std::size_t>(icon->width) * icon->height) {

@@ -349,7 +349,9 @@ void X11WindowModel::readIcon(ClientWindow& client) {
         return;
     }
     std::vector<std::uint32_t> values(property->itemCount());
-    std::memcpy(values.data(), property->bytes.data(), values.size() * 4);
+    if (!values.empty()) {
+        std::memcpy(values.data(), property->bytes.data(), values.size() * 4);
+    }
     auto icon = X11PropertyParsing::bestIcon(values, preferredIconSide);
     if (!icon) {
         log().debug("window 0x%{public}x has a malformed icon; ignored", client.window);

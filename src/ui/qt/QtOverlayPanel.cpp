@@ -41,7 +41,7 @@ class QtOverlayPanel::Surface final : public QWidget {
             painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
         }
         painter.setClipRegion(event->region());
-        panel_.renderer_.paint(painter, data, !translucent);
+        panel_.renderer_.paint(painter, data, !translucent, &event->region());
         if (panel_.onPainted) {
             panel_.onPainted();
         }

@@ -95,10 +95,16 @@ QRegion QtOverlayRenderer::changedRegion(const OverlayViewData& before,
     return region;
 }
 
-void QtOverlayRenderer::paint(QPainter& painter, const OverlayViewData& data, bool opaque) const {
+void QtOverlayRenderer::paint(QPainter& painter, const OverlayViewData& data, bool opaque,
+                              const QRegion* only) const {
     painter.setRenderHint(QPainter::Antialiasing, true);
     painter.setRenderHint(QPainter::TextAntialiasing, true);
     for (const auto& element : data.elements) {
+        // A stroke or a shadow may reach a little past the frame.
+        if (only != nullptr &&
+            !only->intersects(qrect(element.frame()).toAlignedRect().adjusted(-3, -3, 3, 3))) {
+            continue;
+        }
         std::visit(
             [&](const auto& drawn) {
                 using Drawn = std::decay_t<decltype(drawn)>;

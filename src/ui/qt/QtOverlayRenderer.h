@@ -21,9 +21,11 @@ class QtOverlayRenderer {
 
     explicit QtOverlayRenderer(ImageResolver images) : images_(std::move(images)) {}
 
-    // Draws every element, in order, into a painter whose unit is one point. With `opaque` the
-    // panel is a square, solid one (no compositor to blend rounded corners).
-    void paint(QPainter& painter, const OverlayViewData& data, bool opaque) const;
+    // Draws the elements, in order, into a painter whose unit is one point; with `only`, just
+    // those that reach into that region. With `opaque` the panel is a square, solid one (no
+    // compositor to blend rounded corners).
+    void paint(QPainter& painter, const OverlayViewData& data, bool opaque,
+               const QRegion* only = nullptr) const;
 
     // Where two builds differ, element by element; the whole panel when the element lists or the
     // panel size differ in shape.
