@@ -8,19 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 
-namespace {
-
-xcb_atom_t atom(xcb_connection_t* connection, const char* name) {
-    auto* reply = xcb_intern_atom_reply(
-        connection,
-        xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(std::strlen(name)), name),
-        nullptr);
-    const xcb_atom_t value = reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
-    std::free(reply);
-    return value;
-}
-
-}  // namespace
+#include "InternAtom.h"
 
 int main(int argc, char** argv) {
     if (argc < 3) {
@@ -31,8 +19,8 @@ int main(int argc, char** argv) {
     auto* connection = xcb_connect(nullptr, nullptr);
     auto* screen = xcb_setup_roots_iterator(xcb_get_setup(connection)).data;
     const auto root = screen->root;
-    const auto stacking = atom(connection, "_NET_CLIENT_LIST_STACKING");
-    const auto activeWindow = atom(connection, "_NET_ACTIVE_WINDOW");
+    const auto stacking = orvane::testing::internAtom(connection, "_NET_CLIENT_LIST_STACKING");
+    const auto activeWindow = orvane::testing::internAtom(connection, "_NET_ACTIVE_WINDOW");
 
     const xcb_window_t panel = xcb_generate_id(connection);
     const std::uint32_t values[] = {0x262628, 1};

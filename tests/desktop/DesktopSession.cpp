@@ -16,6 +16,8 @@
 #include <sstream>
 #include <thread>
 
+#include "InternAtom.h"
+
 extern char** environ;
 
 namespace orvane::testing {
@@ -141,13 +143,7 @@ std::string DesktopSession::programLog() const {
 }
 
 xcb_atom_t DesktopSession::atom(const char* name) {
-    auto* reply = xcb_intern_atom_reply(
-        connection_,
-        xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(std::strlen(name)), name),
-        nullptr);
-    const xcb_atom_t value = reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
-    std::free(reply);
-    return value;
+    return internAtom(connection_, name);
 }
 
 std::vector<std::uint32_t> DesktopSession::cardinals(xcb_window_t window, xcb_atom_t property) {

@@ -16,19 +16,7 @@
 #include <string>
 #include <vector>
 
-namespace {
-
-xcb_atom_t atom(xcb_connection_t* connection, const char* name) {
-    auto* reply = xcb_intern_atom_reply(
-        connection,
-        xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(std::strlen(name)), name),
-        nullptr);
-    const xcb_atom_t value = reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
-    std::free(reply);
-    return value;
-}
-
-}  // namespace
+#include "InternAtom.h"
 
 int main(int argc, char** argv) {
     if (argc < 3) {
@@ -68,26 +56,26 @@ int main(int argc, char** argv) {
         xcb_change_property(connection, XCB_PROP_MODE_REPLACE, window, property, type, format,
                             count, data);
     };
-    const auto utf8 = atom(connection, "UTF8_STRING");
+    const auto utf8 = orvane::testing::internAtom(connection, "UTF8_STRING");
     set(XCB_ATOM_WM_NAME, XCB_ATOM_STRING, 8, static_cast<std::uint32_t>(title.size()),
         title.data());
-    set(atom(connection, "_NET_WM_NAME"), utf8, 8, static_cast<std::uint32_t>(title.size()),
-        title.data());
+    set(orvane::testing::internAtom(connection, "_NET_WM_NAME"), utf8, 8,
+        static_cast<std::uint32_t>(title.size()), title.data());
     const char wmClass[] = "orvane-test-client\0OrvaneTestClient";
     set(XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 8, sizeof wmClass, wmClass);
     const std::uint32_t pid = absurd ? 0xFFFFFFFFu : static_cast<std::uint32_t>(getpid());
-    set(atom(connection, "_NET_WM_PID"), XCB_ATOM_CARDINAL, 32, 1, &pid);
+    set(orvane::testing::internAtom(connection, "_NET_WM_PID"), XCB_ATOM_CARDINAL, 32, 1, &pid);
     std::vector<std::uint32_t> icon{absurd ? 100000u : 16u, 16};
     icon.resize(2 + 256, 0xFF000000u | colour);
-    set(atom(connection, "_NET_WM_ICON"), XCB_ATOM_CARDINAL, 32,
+    set(orvane::testing::internAtom(connection, "_NET_WM_ICON"), XCB_ATOM_CARDINAL, 32,
         static_cast<std::uint32_t>(icon.size()), icon.data());
     // WM_HINTS: input hint set, so the window manager gives it the focus.
     const std::uint32_t hints[9] = {1, 1, 0, 0, 0, 0, 0, 0, 0};
     set(XCB_ATOM_WM_HINTS, XCB_ATOM_WM_HINTS, 32, 9, hints);
-    const auto protocols = atom(connection, "WM_PROTOCOLS");
-    const auto deleteWindow = atom(connection, "WM_DELETE_WINDOW");
+    const auto protocols = orvane::testing::internAtom(connection, "WM_PROTOCOLS");
+    const auto deleteWindow = orvane::testing::internAtom(connection, "WM_DELETE_WINDOW");
     set(protocols, XCB_ATOM_ATOM, 32, 1, &deleteWindow);
-    const auto received = atom(connection, "_ORVANE_RECEIVED");
+    const auto received = orvane::testing::internAtom(connection, "_ORVANE_RECEIVED");
     set(received, XCB_ATOM_CARDINAL, 32, 0, nullptr);
     xcb_map_window(connection, window);
     xcb_flush(connection);

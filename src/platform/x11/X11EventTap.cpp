@@ -381,9 +381,6 @@ void X11EventTap::handleKey(const xcb_key_press_event_t& event, bool isPress) {
                 storedKeyCodeOf(event.detail), stateFlags, isAutorepeat, std::move(text),
                 &swallowed);
     }
-    log().debug("key %{public}u %{public}s, state 0x%{public}x, %{public}s grab: %{public}s",
-                event.detail, isPress ? "down" : "up", event.state,
-                fromPassiveGrab ? "passive" : "active", swallowed ? "swallowed" : "passed");
     if (fromPassiveGrab) {
         xcb_allow_events(connection,
                          swallowed ? XCB_ALLOW_ASYNC_KEYBOARD : XCB_ALLOW_REPLAY_KEYBOARD,

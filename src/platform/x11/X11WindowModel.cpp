@@ -54,10 +54,6 @@ std::optional<ProcessIdentifier> X11WindowModel::frontmostProcess() const {
     return client ? std::optional(client->process) : std::nullopt;
 }
 
-std::vector<ProcessIdentifier> X11WindowModel::processes() const {
-    return processOrder_;
-}
-
 void X11WindowModel::tell(ChangeKind kind, const ClientWindow& window) {
     for (const auto& listener : listeners_) {
         listener(kind, window);
@@ -160,18 +156,8 @@ void X11WindowModel::reloadStacking() {
         tell(ChangeKind::removed, gone);
     }
     for (auto window : added) {
-        const auto& client = windows_.at(window);
-        if (std::find(processOrder_.begin(), processOrder_.end(), client.process) ==
-            processOrder_.end()) {
-            processOrder_.push_back(client.process);
-        }
-        tell(ChangeKind::added, client);
+        tell(ChangeKind::added, windows_.at(window));
     }
-    std::erase_if(processOrder_, [this](ProcessIdentifier process) {
-        return std::none_of(windows_.begin(), windows_.end(), [process](const auto& entry) {
-            return entry.second.process == process;
-        });
-    });
 }
 
 void X11WindowModel::reloadActive() {

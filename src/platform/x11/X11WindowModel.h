@@ -62,8 +62,6 @@ class X11WindowModel {
     void refreshGeometry();
     // The process of the active window.
     std::optional<ProcessIdentifier> frontmostProcess() const;
-    // Every process with a client window, in order of first appearance.
-    std::vector<ProcessIdentifier> processes() const;
 
     void addListener(Listener listener) { listeners_.push_back(std::move(listener)); }
 
@@ -81,7 +79,6 @@ class X11WindowModel {
     X11Connection& connection_;
     std::vector<xcb_window_t> stacking_;
     std::map<xcb_window_t, ClientWindow> windows_;
-    std::vector<ProcessIdentifier> processOrder_;
     std::optional<xcb_window_t> active_;
     std::uint32_t currentDesktop_ = 0;
     std::vector<Listener> listeners_;

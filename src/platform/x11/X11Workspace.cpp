@@ -22,8 +22,10 @@ X11Workspace::X11Workspace(X11WindowModel& model,
     : model_(model),
       notifications_(std::move(notifications)),
       frontmost_(model.frontmostProcess()) {
-    for (auto process : model_.processes()) {
-        launchDates_.emplace(process, now());
+    for (auto window : model_.stackingFrontToBack()) {
+        if (const auto* client = model_.window(window)) {
+            launchDates_.emplace(client->process, now());
+        }
     }
     model_.addListener(
         [this](X11WindowModel::ChangeKind kind, const X11WindowModel::ClientWindow& window) {
