@@ -1,5 +1,9 @@
 #include "ui/qt/QtOverlayPanel.h"
 
+#include <xcb/xcb.h>
+
+#include <QBackingStore>
+#include <QGuiApplication>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QTimer>
@@ -31,8 +35,22 @@ class QtOverlayPanel::Surface final : public QWidget {
 
     const bool translucent;
     OverlayViewData data;
+    // The Expose events of this request are already answered: the whole picture went up right
+    // after it.
+    std::optional<std::uint16_t> answeredRequest;
 
   protected:
+    bool nativeEvent(const QByteArray& eventType, void* message, qintptr* result) override {
+        if (answeredRequest && eventType == "xcb_generic_event_t") {
+            const auto* event = static_cast<const xcb_generic_event_t*>(message);
+            if ((event->response_type & 0x7f) == XCB_EXPOSE &&
+                event->sequence == *answeredRequest) {
+                return true;
+            }
+        }
+        return QWidget::nativeEvent(eventType, message, result);
+    }
+
     void paintEvent(QPaintEvent* event) override {
         QPainter painter(this);
         if (translucent) {
@@ -113,11 +131,9 @@ void QtOverlayPanel::setFrame(const Rect& frame, bool display) {
     size_ = frame.size;
     onScreen_ = QPoint(static_cast<int>(std::lround(desktop.origin.x)),
                        static_cast<int>(std::lround(desktop.origin.y)));
-    surface_->resize(static_cast<int>(std::ceil(desktop.size.width)),
-                     static_cast<int>(std::ceil(desktop.size.height)));
-    if (visible_) {
-        surface_->move(onScreen_);
-    }
+    surface_->setGeometry(QRect(visible_ ? onScreen_ : QPoint(offscreen, offscreen),
+                                QSize(static_cast<int>(std::ceil(desktop.size.width)),
+                                      static_cast<int>(std::ceil(desktop.size.height)))));
     if (display && visible_) {
         rebuild();
     }
@@ -131,18 +147,45 @@ void QtOverlayPanel::orderFrontRegardless() {
         surface_->resize(static_cast<int>(std::ceil(size_.width)),
                          static_cast<int>(std::ceil(size_.height)));
     }
-    if (viewModel_ && builder_) {
-        surface_->data = builder_->build(*viewModel_, size_);
-    }
     visible_ = true;
     if (!surface_->isVisible()) {
         surface_->move(offscreen, offscreen);
         surface_->show();
     }
-    // Painted while still out of sight, then brought on: no map, and nothing stale shows.
-    surface_->repaint();
-    surface_->move(onScreen_);
-    surface_->raise();
+    // Painted while still out of sight, and only where it differs from the last gesture's
+    // picture, which the panel still holds.
+    if (viewModel_ && builder_) {
+        auto data = builder_->build(*viewModel_, size_);
+        const auto changed = QtOverlayRenderer::changedRegion(surface_->data, data);
+        surface_->data = std::move(data);
+        if (!changed.isEmpty()) {
+            surface_->repaint(changed);
+        }
+    }
+    place(onScreen_);
+}
+
+void QtOverlayPanel::place(QPoint position) {
+    auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    if (x11 == nullptr) {
+        surface_->move(position);
+        surface_->raise();
+        return;
+    }
+    // Moved and raised in one request, and the whole picture put up right behind it: the screen
+    // shows it without waiting for the server's Expose and a second trip through the event loop.
+    auto* connection = x11->connection();
+    const std::uint32_t values[] = {static_cast<std::uint32_t>(position.x()),
+                                    static_cast<std::uint32_t>(position.y()), XCB_STACK_MODE_ABOVE};
+    const auto request = xcb_configure_window(
+        connection, static_cast<xcb_window_t>(surface_->winId()),
+        XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_STACK_MODE, values);
+    surface_->answeredRequest.reset();
+    if (position == onScreen_) {
+        surface_->answeredRequest = static_cast<std::uint16_t>(request.sequence);
+        surface_->backingStore()->flush(QRegion(surface_->rect()), surface_->windowHandle());
+    }
+    xcb_flush(connection);
 }
 
 void QtOverlayPanel::orderOut() {
@@ -151,7 +194,7 @@ void QtOverlayPanel::orderOut() {
     // coming forward is asked for first. It stays mapped, so showing it again costs no map.
     QTimer::singleShot(0, surface_.get(), [this] {
         if (!visible_) {
-            surface_->move(offscreen, offscreen);
+            place(QPoint(offscreen, offscreen));
         }
     });
 }

@@ -48,6 +48,8 @@ class QtOverlayPanel final : public OverlayPanelPort {
     class Surface;
 
     void rebuild();
+    // Moves the panel's window there, above all others; on the screen its picture goes up with it.
+    void place(QPoint position);
 
     Environment environment_;
     QtOverlayRenderer renderer_;
