@@ -52,7 +52,10 @@ DesktopProgram::DesktopProgram(std::unique_ptr<X11Connection> connection)
     eventTap_ = std::make_shared<X11EventTap>(*connection_);
     overlayPanel_ = std::make_shared<QtOverlayPanel>(
         QtOverlayPanel::Environment{[this] { return isComposited(); },
-                                    [this](const Rect& frame) { return toDesktop(frame); }},
+                                    [this](const Rect& frame) { return toDesktop(frame); },
+                                    [this](std::function<void()> then) {
+                                        accessibility_->whenActivationAnswered(std::move(then));
+                                    }},
         QtOverlayRenderer([this](const ImageHandle& handle) { return image(handle); }));
     auto applicationNotifications = std::make_shared<LocalNotificationCenter>();
 
@@ -65,7 +68,8 @@ DesktopProgram::DesktopProgram(std::unique_ptr<X11Connection> connection)
     platform.clock = std::make_shared<SystemClock>();
     platform.application = std::make_shared<QtApplicationObject>(applicationNotifications);
     platform.applicationNotifications = applicationNotifications;
-    platform.accessibility = std::make_shared<X11Accessibility>(*connection_, *model_, runLoop);
+    accessibility_ = std::make_shared<X11Accessibility>(*connection_, *model_, runLoop);
+    platform.accessibility = accessibility_;
     platform.windowList = std::make_shared<X11WindowList>(*model_);
     platform.workspace = workspace_;
     platform.workspaceNotifications = workspaceNotifications;

@@ -46,6 +46,7 @@ class DesktopProgram {
     std::unique_ptr<X11WindowModel> model_;
     std::unique_ptr<X11Screens> screens_;
     std::shared_ptr<X11Workspace> workspace_;
+    std::shared_ptr<X11Accessibility> accessibility_;
     std::shared_ptr<X11EventTap> eventTap_;
     std::shared_ptr<QtOverlayPanel> overlayPanel_;
     std::unique_ptr<SessionEventsMonitor> sessionEvents_;

@@ -71,6 +71,8 @@ TEST_F(DesktopEndToEndTest, AltTabBringsThePreviousWindowForwardInRecencyOrder) 
 
     altTab();
     EXPECT_TRUE(becomesActive(second.window));
+    // The overlay leaves once the window manager has answered.
+    EXPECT_TRUE(DesktopSession::waitFor([&] { return !session->overlayWindow(); }));
     altTab();
     EXPECT_TRUE(becomesActive(third.window));
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
 #include "core/Logger.h"
 #include "platform/x11/X11AccessibilityElement.h"
@@ -170,6 +171,9 @@ AccessibilityError X11Accessibility::setAttributeValue(const AccessibilityElemen
         }
         const auto active = model_.activeWindow().value_or(XCB_NONE);
         sendToWindowManager(window->window, ewmh._NET_ACTIVE_WINDOW, {sourcePager, time, active});
+        if (window->window != active) {
+            awaitActivation(window->window);
+        }
         if (pendingRaise_ == window->window) {
             pendingRaise_.reset();
         }
@@ -211,6 +215,37 @@ void X11Accessibility::sendPendingRaise() {
                         {sourcePager, XCB_NONE, above});
     pendingRaise_.reset();
     connection_.flush();
+}
+
+void X11Accessibility::awaitActivation(xcb_window_t window) {
+    awaitedActivation_ = window;
+    if (!activationPatience_) {
+        activationPatience_ = runLoop_->scheduleTimer(0.1, false, 0.01, [weak = weak_from_this()] {
+            if (auto self = weak.lock()) {
+                self->activationPatience_.reset();
+                self->activationAnswered();
+            }
+        });
+    }
+}
+
+void X11Accessibility::whenActivationAnswered(std::function<void()> then) {
+    if (awaitedActivation_) {
+        afterActivation_.push_back(std::move(then));
+    } else {
+        then();
+    }
+}
+
+void X11Accessibility::activationAnswered() {
+    awaitedActivation_.reset();
+    if (activationPatience_) {
+        runLoop_->cancelTimer(*activationPatience_);
+        activationPatience_.reset();
+    }
+    for (auto& then : std::exchange(afterActivation_, {})) {
+        then();
+    }
 }
 
 AccessibilityElementHandle X11Accessibility::createApplicationElement(ProcessIdentifier process) {
@@ -328,6 +363,10 @@ void X11Accessibility::modelChanged(X11WindowModel::ChangeKind kind,
             break;
         case Kind::titled:
             break;
+    }
+    if (awaitedActivation_ && (kind == Kind::activated ||
+                               (kind == Kind::removed && window.window == *awaitedActivation_))) {
+        activationAnswered();
     }
 }
 

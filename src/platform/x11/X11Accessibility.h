@@ -4,6 +4,7 @@
 // follow the model's changes.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -42,6 +43,11 @@ class X11Accessibility final : public AccessibilityPort,
                                           std::string_view notification) override;
     RunLoopSourceHandle observerRunLoopSource(const AccessibilityObserverHandle& observer) override;
 
+    // Calls `then` once the window manager has answered the last activation asked of it (the
+    // active window changed, or the window went), or has had a tenth of a second to; at once when
+    // no activation is outstanding.
+    void whenActivationAnswered(std::function<void()> then);
+
   private:
     class Observer;
 
@@ -53,6 +59,8 @@ class X11Accessibility final : public AccessibilityPort,
                              std::initializer_list<std::uint32_t> data);
 
     void sendPendingRaise();
+    void awaitActivation(xcb_window_t window);
+    void activationAnswered();
 
     X11Connection& connection_;
     X11WindowModel& model_;
@@ -63,6 +71,9 @@ class X11Accessibility final : public AccessibilityPort,
     std::optional<xcb_window_t> pendingRaise_;
     std::vector<std::weak_ptr<Observer>> observers_;
     std::optional<ProcessIdentifier> frontmostProcess_;
+    std::optional<xcb_window_t> awaitedActivation_;
+    std::vector<std::function<void()>> afterActivation_;
+    std::optional<TimerToken> activationPatience_;
 };
 
 }  // namespace orvane

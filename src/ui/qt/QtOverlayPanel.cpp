@@ -6,7 +6,9 @@
 #include <QGuiApplication>
 #include <QPaintEvent>
 #include <QPainter>
+#include <QPointer>
 #include <QTimer>
+
 
 namespace orvane {
 
@@ -190,11 +192,20 @@ void QtOverlayPanel::place(QPoint position) {
 
 void QtOverlayPanel::orderOut() {
     visible_ = false;
-    // Moved out of sight once the key event that dismissed it has been answered: the window
-    // coming forward is asked for first. It stays mapped, so showing it again costs no map.
+    // The window coming forward is asked for after this, in the same key event. The panel leaves
+    // once the window manager has brought it: the screen goes from the overlay straight to the
+    // result, and the window manager doesn't wait behind the redrawing of all that the panel
+    // uncovers. It stays mapped, so showing it again costs no map.
     QTimer::singleShot(0, surface_.get(), [this] {
-        if (!visible_) {
+        auto leave = [this, surface = QPointer<QWidget>(surface_.get())] {
+            if (surface && !visible_) {
             place(QPoint(offscreen, offscreen));
+            }
+        };
+        if (environment_.afterActivation) {
+            environment_.afterActivation(leave);
+        } else {
+            leave();
         }
     });
 }

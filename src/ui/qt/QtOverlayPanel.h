@@ -27,6 +27,9 @@ class QtOverlayPanel final : public OverlayPanelPort {
         // Program points (origin bottom left of the primary screen) to desktop logical pixels
         // (origin top left).
         std::function<Rect(const Rect&)> toDesktop;
+        // Calls back once the window manager has answered the activation asked of it last; at
+        // once when none is outstanding.
+        std::function<void(std::function<void()>)> afterActivation;
     };
 
     QtOverlayPanel(Environment environment, QtOverlayRenderer renderer);
