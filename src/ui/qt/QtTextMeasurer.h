@@ -2,7 +2,10 @@
 #pragma once
 
 #include <QFontMetricsF>
+#include <functional>
 #include <map>
+#include <string>
+#include <tuple>
 #include <utility>
 
 #include "overlay/OverlayTextMeasuring.h"
@@ -19,6 +22,10 @@ class QtTextMeasurer final : public OverlayTextMeasuring {
     // Font metrics are dear to make and asked for at every card; one per style and weight.
     const QFontMetricsF& metrics(OverlayTextStyle style, OverlayFontWeight weight) const;
     mutable std::map<std::pair<OverlayTextStyle, OverlayFontWeight>, QFontMetricsF> metrics_;
+    // Shaping a text is what measuring costs, and the titles of one gesture are mostly those of
+    // the last: each text is measured once.
+    using TextKey = std::tuple<std::string, OverlayTextStyle, OverlayFontWeight>;
+    mutable std::map<TextKey, Size, std::less<>> sizes_;
 };
 
 }  // namespace orvane
