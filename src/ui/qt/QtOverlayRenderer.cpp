@@ -75,6 +75,10 @@ const char* themeIconName(OverlaySymbolName symbol) {
     return "";
 }
 
+// Cards, titles and the panel come back at every gesture; the caches stay small all the same.
+constexpr std::size_t maximumCachedShapes = 256;
+constexpr std::size_t maximumCachedTexts = 1024;
+
 }  // namespace
 
 QRegion QtOverlayRenderer::changedRegion(const OverlayViewData& before,
@@ -99,6 +103,22 @@ void QtOverlayRenderer::paint(QPainter& painter, const OverlayViewData& data, bo
                               const QRegion* only) const {
     painter.setRenderHint(QPainter::Antialiasing, true);
     painter.setRenderHint(QPainter::TextAntialiasing, true);
+    if (only == nullptr) {
+        paintElements(painter, data, opaque, nullptr);
+        return;
+    }
+    // One plain rectangle at a time: under a rectangular clip Qt copies images straight, where a
+    // clip of several rectangles sends each of them through its span filler and thread pool.
+    for (const QRect& rect : *only) {
+        painter.save();
+        painter.setClipRect(rect);
+        paintElements(painter, data, opaque, &rect);
+        painter.restore();
+    }
+}
+
+void QtOverlayRenderer::paintElements(QPainter& painter, const OverlayViewData& data, bool opaque,
+                                      const QRect* only) const {
     for (const auto& element : data.elements) {
         // A stroke or a shadow may reach a little past the frame.
         if (only != nullptr &&
@@ -127,52 +147,92 @@ void QtOverlayRenderer::paintShape(QPainter& painter, const OverlayElement& elem
     // Without a compositor the panel's own corners would come out black: it is square then.
     const bool squarePanel = opaque && (element.part == OverlayPart::panelBackground ||
                                         element.part == OverlayPart::panelBorder);
-    auto frame = qrect(shape.frame);
-    if (shape.stroke) {
-        const double inset = shape.stroke->lineWidth / 2;
-        const auto path = outline(frame.adjusted(inset, inset, -inset, -inset),
-                                  squarePanel ? OverlayShapeKind::rectangle : shape.kind,
-                                  std::max(0.0, shape.cornerRadius - inset));
-        if (shape.material) {
-            painter.fillPath(path, QtOverlayStyle::material(opaque));
-        }
-        if (shape.fill) {
-            painter.fillPath(path, QtOverlayStyle::color(shape.fill->color, shape.fill->opacity));
-        }
-        painter.strokePath(path, QPen(QtOverlayStyle::color(shape.stroke->paint.color,
-                                                            shape.stroke->paint.opacity),
-                                      shape.stroke->lineWidth));
+    const auto frame = qrect(shape.frame);
+    const double ratio = painter.device() ? painter.device()->devicePixelRatioF() : 1.0;
+    // Drawn once into an image of its own, then copied: filling a path costs far more than a copy,
+    // and the same cards come back at every gesture.
+    const QPointF origin(std::floor(frame.x()), std::floor(frame.y()));
+    const QRectF local = frame.translated(-origin);
+    const QSize pixels(static_cast<int>(std::ceil(local.right() * ratio)),
+                       static_cast<int>(std::ceil(local.bottom() * ratio)));
+    if (pixels.isEmpty()) {
         return;
     }
-    const auto path =
-        outline(frame, squarePanel ? OverlayShapeKind::rectangle : shape.kind, shape.cornerRadius);
-    if (shape.material) {
-        if (opaque) {
-            painter.fillPath(path, QtOverlayStyle::material(true));
-        } else {
-            painter.fillPath(path, QtOverlayStyle::material(false));
+    const auto kind = squarePanel ? OverlayShapeKind::rectangle : shape.kind;
+    const auto paintKey = [](const std::optional<OverlayPaint>& paint) {
+        return paint ? std::make_tuple(static_cast<int>(paint->color), paint->opacity)
+                     : std::make_tuple(-1, 0.0);
+    };
+    const ShapeKey key{static_cast<int>(kind),
+                       local.x(),
+                       local.y(),
+                       local.width(),
+                       local.height(),
+                       shape.cornerRadius,
+                       ratio,
+                       shape.material ? (opaque ? 2 : 1) : 0,
+                       paintKey(shape.fill),
+                       paintKey(shape.stroke ? std::optional(shape.stroke->paint) : std::nullopt),
+                       shape.stroke ? shape.stroke->lineWidth : 0.0};
+    auto cached = shapes_.find(key);
+    if (cached == shapes_.end()) {
+        QImage image(pixels, QImage::Format_ARGB32_Premultiplied);
+        image.setDevicePixelRatio(ratio);
+        image.fill(Qt::transparent);
+        QPainter drawer(&image);
+        drawer.setRenderHint(QPainter::Antialiasing, true);
+        const double inset = shape.stroke ? shape.stroke->lineWidth / 2 : 0;
+        const auto path = outline(local.adjusted(inset, inset, -inset, -inset), kind,
+                                  std::max(0.0, shape.cornerRadius - inset));
+        if (shape.material) {
+            drawer.fillPath(path, QtOverlayStyle::material(opaque));
         }
+        if (shape.fill) {
+            drawer.fillPath(path, QtOverlayStyle::color(shape.fill->color, shape.fill->opacity));
+        }
+        if (shape.stroke) {
+            drawer.strokePath(path, QPen(QtOverlayStyle::color(shape.stroke->paint.color,
+                                                               shape.stroke->paint.opacity),
+                                         shape.stroke->lineWidth));
+        }
+        drawer.end();
+        if (shapes_.size() >= maximumCachedShapes) {
+            shapes_.clear();
+        }
+        cached = shapes_.emplace(key, std::move(image)).first;
     }
-    if (shape.fill) {
-        painter.fillPath(path, QtOverlayStyle::color(shape.fill->color, shape.fill->opacity));
-    }
+    painter.drawImage(origin, cached->second);
 }
 
 void QtOverlayRenderer::paintText(QPainter& painter, const OverlayText& text) const {
-    const auto font = QtOverlayStyle::font(text.style, text.weight);
-    const QFontMetricsF metrics(font);
     const auto frame = qrect(text.frame);
-    auto words = QString::fromUtf8(text.text.data(), static_cast<qsizetype>(text.text.size()));
-    if (metrics.horizontalAdvance(words) > frame.width() + 0.5) {
-        const auto mode = text.truncation == OverlayTruncation::head     ? Qt::ElideLeft
-                          : text.truncation == OverlayTruncation::middle ? Qt::ElideMiddle
-                                                                         : Qt::ElideRight;
-        words = metrics.elidedText(words, mode, frame.width());
+    const TextKey key{text.text, static_cast<int>(text.style), static_cast<int>(text.weight),
+                      static_cast<int>(text.truncation), frame.width()};
+    auto cached = texts_.find(key);
+    if (cached == texts_.end()) {
+        const auto font = QtOverlayStyle::font(text.style, text.weight);
+        const QFontMetricsF metrics(font);
+        auto words = QString::fromUtf8(text.text.data(), static_cast<qsizetype>(text.text.size()));
+        if (metrics.horizontalAdvance(words) > frame.width() + 0.5) {
+            const auto mode = text.truncation == OverlayTruncation::head     ? Qt::ElideLeft
+                              : text.truncation == OverlayTruncation::middle ? Qt::ElideMiddle
+                                                                             : Qt::ElideRight;
+            words = metrics.elidedText(words, mode, frame.width());
+        }
+        // Laid out once; each paint then only draws the glyphs.
+        QStaticText laidOut(words);
+        laidOut.setTextFormat(Qt::PlainText);
+        laidOut.prepare(QTransform(), font);
+        if (texts_.size() >= maximumCachedTexts) {
+            texts_.clear();
+        }
+        cached = texts_.emplace(key, CachedText{std::move(laidOut), font, metrics.height()}).first;
     }
-    painter.setFont(font);
+    const auto& laidOut = cached->second;
+    painter.setFont(laidOut.font);
     painter.setPen(QtOverlayStyle::color(text.color));
-    painter.drawText(frame.adjusted(0, 0, 2, 0),
-                     Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, words);
+    painter.drawStaticText(QPointF(frame.x(), frame.y() + (frame.height() - laidOut.height) / 2),
+                           laidOut.text);
 }
 
 void QtOverlayRenderer::paintImage(QPainter& painter, const OverlayImage& image) const {

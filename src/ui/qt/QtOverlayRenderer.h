@@ -6,8 +6,10 @@
 #include <QImage>
 #include <QPainter>
 #include <QRegion>
+#include <QStaticText>
 #include <functional>
 #include <map>
+#include <string>
 #include <tuple>
 
 #include "overlay/OverlayViewData.h"
@@ -32,6 +34,8 @@ class QtOverlayRenderer {
     static QRegion changedRegion(const OverlayViewData& before, const OverlayViewData& after);
 
   private:
+    void paintElements(QPainter& painter, const OverlayViewData& data, bool opaque,
+                       const QRect* only) const;
     void paintShape(QPainter& painter, const OverlayElement& element, const OverlayShape& shape,
                     bool opaque) const;
     void paintText(QPainter& painter, const OverlayText& text) const;
@@ -41,6 +45,20 @@ class QtOverlayRenderer {
     ImageResolver images_;
     using ScaledKey = std::tuple<std::uint64_t, int, int, double>;
     mutable std::map<ScaledKey, QImage> scaled_;
+    // A shape's pixels by kind, position within its pixel, size, corners, scale, material, fill
+    // and stroke.
+    using PaintKey = std::tuple<int, double>;
+    using ShapeKey = std::tuple<int, double, double, double, double, double, double, int, PaintKey,
+                                PaintKey, double>;
+    mutable std::map<ShapeKey, QImage> shapes_;
+    // A text laid out in its font, truncated to a width.
+    struct CachedText {
+        QStaticText text;
+        QFont font;
+        double height = 0;
+    };
+    using TextKey = std::tuple<std::string, int, int, int, double>;
+    mutable std::map<TextKey, CachedText> texts_;
     // Theme lookups walk the icon folders: once per symbol is enough.
     mutable std::map<OverlaySymbolName, QIcon> icons_;
 };
