@@ -9,7 +9,6 @@
 #include <QPointer>
 #include <QTimer>
 
-
 namespace orvane {
 
 namespace {
@@ -23,7 +22,8 @@ class QtOverlayPanel::Surface final : public QWidget {
   public:
     Surface(QtOverlayPanel& panel, bool translucent)
         : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
-                               Qt::X11BypassWindowManagerHint | Qt::WindowDoesNotAcceptFocus),
+                               Qt::X11BypassWindowManagerHint | Qt::WindowDoesNotAcceptFocus |
+                               Qt::WindowTransparentForInput),
           translucent(translucent),
           panel_(panel) {
         setAttribute(Qt::WA_ShowWithoutActivating);
@@ -43,10 +43,15 @@ class QtOverlayPanel::Surface final : public QWidget {
 
   protected:
     bool nativeEvent(const QByteArray& eventType, void* message, qintptr* result) override {
-        if (answeredRequest && eventType == "xcb_generic_event_t") {
+        if (eventType == "xcb_generic_event_t") {
             const auto* event = static_cast<const xcb_generic_event_t*>(message);
-            if ((event->response_type & 0x7f) == XCB_EXPOSE &&
-                event->sequence == *answeredRequest) {
+            const auto type = event->response_type & 0x7f;
+            if (type == XCB_EXPOSE && answeredRequest && event->sequence == *answeredRequest) {
+                return true;
+            }
+            // The panel places itself, and Qt's answer to a move is a handful of round trips to
+            // the server (frame margins, coordinates) at the start of every gesture.
+            if (type == XCB_CONFIGURE_NOTIFY) {
                 return true;
             }
         }
@@ -177,8 +182,11 @@ void QtOverlayPanel::place(QPoint position) {
     // Moved and raised in one request, and the whole picture put up right behind it: the screen
     // shows it without waiting for the server's Expose and a second trip through the event loop.
     auto* connection = x11->connection();
-    const std::uint32_t values[] = {static_cast<std::uint32_t>(position.x()),
-                                    static_cast<std::uint32_t>(position.y()), XCB_STACK_MODE_ABOVE};
+    const double ratio = surface_->devicePixelRatioF();
+    const std::uint32_t values[] = {
+        static_cast<std::uint32_t>(static_cast<std::int32_t>(std::lround(position.x() * ratio))),
+        static_cast<std::uint32_t>(static_cast<std::int32_t>(std::lround(position.y() * ratio))),
+        XCB_STACK_MODE_ABOVE};
     const auto request = xcb_configure_window(
         connection, static_cast<xcb_window_t>(surface_->winId()),
         XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_STACK_MODE, values);
@@ -199,7 +207,7 @@ void QtOverlayPanel::orderOut() {
     QTimer::singleShot(0, surface_.get(), [this] {
         auto leave = [this, surface = QPointer<QWidget>(surface_.get())] {
             if (surface && !visible_) {
-            place(QPoint(offscreen, offscreen));
+                place(QPoint(offscreen, offscreen));
             }
         };
         if (environment_.afterActivation) {
