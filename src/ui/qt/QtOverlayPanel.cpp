@@ -9,6 +9,8 @@
 #include <QPointer>
 #include <QTimer>
 
+#include "overlay/OverlayGeometry.h"
+
 namespace orvane {
 
 namespace {
@@ -81,16 +83,9 @@ QtOverlayPanel::QtOverlayPanel(Environment environment, QtOverlayRenderer render
       renderer_(std::move(renderer)),
       surface_(std::make_unique<Surface>(
           *this, environment_.isComposited && environment_.isComposited())) {
-    // The window is mapped out of sight now and its fonts and paint path are warmed up, so the
-    // first gesture pays for none of them.
+    // The window is mapped out of sight now, so the first gesture pays no map.
     surface_->move(offscreen, offscreen);
     surface_->show();
-    QImage warmUp(64, 64, QImage::Format_ARGB32_Premultiplied);
-    QPainter painter(&warmUp);
-    OverlayViewData sample{{64, 64}, {}};
-    sample.elements.push_back(
-        {OverlayPart::caption, {}, OverlayText{{{0, 0}, {64, 20}}, "Orvane", {}, {}, {}, {}}});
-    renderer_.paint(painter, sample, false);
 }
 
 QtOverlayPanel::~QtOverlayPanel() {
@@ -119,6 +114,31 @@ void QtOverlayPanel::attach(std::shared_ptr<SwitcherOverlayViewModel> viewModel,
     follow(viewModel_->thumbnailsEnabled);
     follow(viewModel_->columnCount);
     follow(viewModel_->launcherPresentation);
+    QTimer::singleShot(0, surface_.get(), [this] { rehearse(); });
+}
+
+void QtOverlayPanel::rehearse() {
+    // Two made-up windows painted out of sight, once the program runs: the card shapes at the
+    // chosen size, the fonts and the paint path are ready before the first gesture.
+    SwitcherOverlayViewModel model;
+    model.cardSize.set(viewModel_->cardSize.value());
+    model.thumbnailsEnabled.set(viewModel_->thumbnailsEnabled.value());
+    model.layoutStyle.set(viewModel_->layoutStyle.value());
+    std::vector<SwitchableWindow> windows(2);
+    windows[0].windowTitle = windows[1].windowTitle = "Orvane";
+    windows[1].windowIdentifier = 1;
+    const auto geometry = overlayGeometry(2, std::nullopt, model.cardSize.value());
+    model.columnCount.set(geometry.columnCount);
+    model.windows.set(std::move(windows));
+    model.selectedIndex.set(1);
+    const auto data = builder_->build(model, {geometry.panelWidth, geometry.panelHeight});
+    const double ratio = surface_->devicePixelRatioF();
+    QImage image(static_cast<int>(std::ceil(geometry.panelWidth * ratio)),
+                 static_cast<int>(std::ceil(geometry.panelHeight * ratio)),
+                 QImage::Format_ARGB32_Premultiplied);
+    image.setDevicePixelRatio(ratio);
+    QPainter painter(&image);
+    renderer_.paint(painter, data, !surface_->translucent);
 }
 
 void QtOverlayPanel::rebuild() {

@@ -51,6 +51,7 @@ class QtOverlayPanel final : public OverlayPanelPort {
     class Surface;
 
     void rebuild();
+    void rehearse();
     // Moves the panel's window there, above all others; on the screen its picture goes up with it.
     void place(QPoint position);
 
