@@ -129,9 +129,19 @@ void DesktopSession::stopProcess(pid_t& process) {
 }
 
 void DesktopSession::startProgram() {
+    // The log gathers every run of the session: wait for one more launch than it holds now.
+    const auto launches = [this] {
+        const auto log = programLog();
+        std::size_t count = 0;
+        for (auto at = log.find("launch complete"); at != std::string::npos;
+             at = log.find("launch complete", at + 1)) {
+            ++count;
+        }
+        return count;
+    };
+    const auto before = launches();
     program_ = spawn({ORVANE_PROGRAM_PATH, "--log-level", "debug"}, folder_ / "orvane.log");
-    waitFor([this] { return programLog().find("launch complete") != std::string::npos; },
-            std::chrono::milliseconds(15000));
+    waitFor([&] { return launches() > before; }, std::chrono::milliseconds(15000));
 }
 
 void DesktopSession::stopProgram() {
