@@ -64,20 +64,31 @@ InstalledApplicationLauncherMode::InstalledApplicationLauncherMode(
 std::vector<LauncherItem> InstalledApplicationLauncherMode::items(const std::string& query) {
     struct ScoredApplication {
         int score;
-        std::string displayName;
+        NameForms* name;
         const ApplicationLocator* locator;
-        std::string collationKey;
     };
+    const auto& locators = applicationLocators();
     std::vector<ScoredApplication> matches;
-    for (const auto& locator : applicationLocators()) {
+    matches.reserve(locators.size());
+    namesRead_.resize(locators.size());
+    for (std::size_t index = 0; index < locators.size(); ++index) {
+        const auto& locator = locators[index];
         auto displayName = applicationDisplayName(locator.path);
-        if (const auto score = launcherMatchScore(query, displayName)) {
-            matches.push_back({*score, std::move(displayName), &locator, {}});
+        auto& known = namesRead_[index];
+        // Read again at every keystroke, but folded only when it differs from the last reading.
+        if (!known || known->displayName != displayName) {
+            LauncherCandidateText folded(displayName);
+            known = NameForms{std::move(displayName), std::move(folded), {}};
+        }
+        if (const auto score = launcherMatchScore(query, known->folded)) {
+            matches.push_back({*score, &*known, &locator});
         }
     }
-    // Keys once per match, so the sort compares bytes rather than collating each time.
+    // Keys once per name, so the sort compares bytes rather than collating each time.
     for (auto& match : matches) {
-        match.collationKey = collationKey(match.displayName);
+        if (!match.name->collationKey) {
+            match.name->collationKey = collationKey(match.name->displayName);
+        }
     }
     // Stable: an application listed in two folders keeps the scan's order.
     std::stable_sort(matches.begin(), matches.end(),
@@ -85,15 +96,15 @@ std::vector<LauncherItem> InstalledApplicationLauncherMode::items(const std::str
                          if (left.score != right.score) {
                              return left.score > right.score;
                          }
-                         return left.collationKey < right.collationKey;
+                         return *left.name->collationKey < *right.name->collationKey;
                      });
 
     std::vector<LauncherItem> result;
     result.reserve(matches.size());
-    for (auto& match : matches) {
+    for (const auto& match : matches) {
         LauncherItem item;
         item.identifier = match.locator->path;
-        item.title = std::move(match.displayName);
+        item.title = match.name->displayName;
         item.subtitle = match.locator->parentDirectoryPath;
         item.icon = fileManager_->iconForFile(match.locator->path);
         result.push_back(std::move(item));
@@ -142,6 +153,8 @@ InstalledApplicationLauncherMode::applicationLocators() {
     }
     cachedApplicationLocators_ = std::move(locators);
     cacheScanDate_ = now;
+    // Names of applications gone since are forgotten with the list they came from.
+    namesRead_.clear();
     log_.info("scanned %{public}ld installed applications",
               static_cast<long>(cachedApplicationLocators_.size()));
     return cachedApplicationLocators_;

@@ -14,6 +14,7 @@
 #include "core/Date.h"
 #include "core/LauncherMode.h"
 #include "core/Logger.h"
+#include "launcher/LauncherCandidateText.h"
 #include "platform/ApplicationLauncherPort.h"
 #include "platform/FileManagerPort.h"
 #include "platform/RunLoopPort.h"
@@ -73,6 +74,14 @@ class InstalledApplicationLauncherMode final : public LauncherMode {
     std::unique_ptr<icu::Collator> collator_;
     std::vector<ApplicationLocator> cachedApplicationLocators_;
     std::optional<Date> cacheScanDate_;
+    // The display name last read for each cached locator, with what it is matched and sorted by,
+    // made once per name: a keystroke reads the names again but only compares.
+    struct NameForms {
+        std::string displayName;
+        LauncherCandidateText folded;
+        std::optional<std::string> collationKey;
+    };
+    std::vector<std::optional<NameForms>> namesRead_;
 };
 
 }  // namespace orvane

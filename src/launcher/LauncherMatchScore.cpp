@@ -18,6 +18,15 @@ struct ScoringScratch {
     LauncherSearchText candidate;
     std::string rawQuery;
     bool hasQuery = false;
+
+    LauncherFoldedView foldedQuery(std::string_view text) {
+        if (!hasQuery || rawQuery != text) {
+            query.assign(text);
+            rawQuery.assign(text);
+            hasQuery = true;
+        }
+        return query.view();
+    }
 };
 
 ScoringScratch& scoringScratch() {
@@ -25,8 +34,8 @@ ScoringScratch& scoringScratch() {
     return scratch;
 }
 
-std::optional<int> subsequenceScore(const LauncherSearchText& query,
-                                    const LauncherSearchText& candidate) {
+std::optional<int> subsequenceScore(const LauncherFoldedView& query,
+                                    const LauncherFoldedView& candidate) {
     const std::size_t queryLength = query.clusterCount();
     std::size_t matched = 0;
     std::size_t firstMatchIndex = 0;
@@ -51,23 +60,11 @@ std::optional<int> subsequenceScore(const LauncherSearchText& query,
     return static_cast<int>(std::max<std::int64_t>(score, std::numeric_limits<int>::min()));
 }
 
-}  // namespace
-
-std::optional<int> launcherMatchScore(std::string_view query, std::string_view candidate) {
-    ScoringScratch& scratch = scoringScratch();
-    if (!scratch.hasQuery || scratch.rawQuery != query) {
-        scratch.query.assign(query);
-        scratch.rawQuery.assign(query);
-        scratch.hasQuery = true;
-    }
-    const LauncherSearchText& folded = scratch.query;
+std::optional<int> score(const LauncherFoldedView& folded, const LauncherFoldedView& name) {
     const std::size_t queryLength = folded.clusterCount();
     if (queryLength == 0) {
         return 0;
     }
-
-    LauncherSearchText& name = scratch.candidate;
-    name.assign(candidate);
     const std::size_t nameLength = name.clusterCount();
     if (nameLength == 0) {
         return std::nullopt;
@@ -89,6 +86,23 @@ std::optional<int> launcherMatchScore(std::string_view query, std::string_view c
     }
 
     return subsequenceScore(folded, name);
+}
+
+}  // namespace
+
+std::optional<int> launcherMatchScore(std::string_view query, std::string_view candidate) {
+    ScoringScratch& scratch = scoringScratch();
+    const auto folded = scratch.foldedQuery(query);
+    if (folded.clusterCount() == 0) {
+        return 0;
+    }
+    scratch.candidate.assign(candidate);
+    return score(folded, scratch.candidate.view());
+}
+
+std::optional<int> launcherMatchScore(std::string_view query,
+                                      const LauncherCandidateText& candidate) {
+    return score(scoringScratch().foldedQuery(query), candidate.view());
 }
 
 }  // namespace orvane

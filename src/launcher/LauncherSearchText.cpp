@@ -123,28 +123,4 @@ void LauncherSearchText::trim() {
     }
 }
 
-bool LauncherSearchText::containsSpace() const {
-    for (std::size_t index = 0; index < clusterCount(); ++index) {
-        if (isSpace(index)) {
-            return true;
-        }
-    }
-    return false;
-}
-
-bool LauncherSearchText::containsAt(std::size_t index, const LauncherSearchText& other) const {
-    const std::size_t count = other.clusterCount();
-    if (index + count > clusterCount()) {
-        return false;
-    }
-    const std::int32_t start = boundaries_[index];
-    // Same units and same cuts: equal text alone could straddle a cluster boundary.
-    for (std::size_t offset = 1; offset <= count; ++offset) {
-        if (boundaries_[index + offset] - start != other.boundaries_[offset]) {
-            return false;
-        }
-    }
-    return u_memcmp(units_ + start, other.units_, other.folded_.length()) == 0;
-}
-
 }  // namespace orvane

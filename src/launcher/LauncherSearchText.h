@@ -1,5 +1,5 @@
-// The folded form of a launcher query or candidate, cut into grapheme clusters: the text that
-// launcherMatchScore compares. Reusable: assign() keeps its buffers and its break iterator, so one
+// Folds launcher texts and cuts them into grapheme clusters: the text that launcherMatchScore
+// compares. Reusable: assign() keeps its buffers and its break iterator, so one
 // instance serves any number of strings without allocating once warm.
 #pragma once
 
@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "launcher/GraphemeClusters.h"
+#include "launcher/LauncherFoldedView.h"
 
 namespace orvane {
 
@@ -30,30 +31,8 @@ class LauncherSearchText {
     // The folded text, canonically decomposed.
     const icu::UnicodeString& text() const { return folded_; }
 
-    // Whether cluster `index` is a single plain space, the separator of words.
-    bool isSpace(std::size_t index) const {
-        const std::int32_t start = boundaries_[index];
-        return boundaries_[index + 1] - start == 1 && units_[start] == u' ';
-    }
-    bool containsSpace() const;
-    // Whether cluster `index` equals cluster `otherIndex` of `other`.
-    bool clusterEquals(std::size_t index, const LauncherSearchText& other,
-                       std::size_t otherIndex) const {
-        const std::int32_t start = boundaries_[index];
-        const std::int32_t length = boundaries_[index + 1] - start;
-        const std::int32_t otherStart = other.boundaries_[otherIndex];
-        if (other.boundaries_[otherIndex + 1] - otherStart != length) {
-            return false;
-        }
-        for (std::int32_t offset = 0; offset < length; ++offset) {
-            if (units_[start + offset] != other.units_[otherStart + offset]) {
-                return false;
-            }
-        }
-        return true;
-    }
-    // Whether all of `other`'s clusters stand here in order from cluster `index` on.
-    bool containsAt(std::size_t index, const LauncherSearchText& other) const;
+    // The folded text and its clusters, valid until the next assign().
+    LauncherFoldedView view() const { return {units_, boundaries_}; }
 
   private:
     void foldAscii(std::string_view utf8);

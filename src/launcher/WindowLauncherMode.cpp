@@ -33,12 +33,9 @@ std::vector<LauncherItem> WindowLauncherMode::items(const std::string& query) {
         const SwitchableWindow* window;
     };
     std::vector<ScoredWindow> matches;
-    for (const auto& window : listedWindows_) {
-        // Application first, so the prefix tier favours application names.
-        const auto score =
-            launcherMatchScore(query, window.owningApplicationName + " " + window.windowTitle);
-        if (score) {
-            matches.push_back({*score, &window});
+    for (std::size_t index = 0; index < listedWindows_.size(); ++index) {
+        if (const auto score = launcherMatchScore(query, listedTexts_[index])) {
+            matches.push_back({*score, &listedWindows_[index]});
         }
     }
     // Stable: equal scores keep the snapshot's recency order.
@@ -70,7 +67,11 @@ void WindowLauncherMode::refreshSnapshot() {
     listedWindows_ =
         recencyOrdering_->orderedByRecency(windowEnumerationService_->enumerateSwitchableWindows());
     listedWindowsByItemIdentifier_.clear();
+    listedTexts_.clear();
+    listedTexts_.reserve(listedWindows_.size());
     for (const auto& window : listedWindows_) {
+        // Application first, so the prefix tier favours application names.
+        listedTexts_.emplace_back(window.owningApplicationName + " " + window.windowTitle);
         // emplace keeps the first window of a repeated identifier.
         listedWindowsByItemIdentifier_.emplace(itemIdentifier(window), window);
     }

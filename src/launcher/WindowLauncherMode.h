@@ -14,6 +14,7 @@
 #include "core/SwitchableWindow.h"
 #include "core/WindowActivationService.h"
 #include "core/WindowEnumerationService.h"
+#include "launcher/LauncherCandidateText.h"
 #include "platform/SoundPort.h"
 #include "platform/WorkspacePort.h"
 
@@ -52,6 +53,8 @@ class WindowLauncherMode final : public LauncherMode {
     std::unordered_map<std::string, SwitchableWindow> listedWindowsByItemIdentifier_;
     // Most recently used first.
     std::vector<SwitchableWindow> listedWindows_;
+    // What each listed window is matched by, folded when the snapshot is taken.
+    std::vector<LauncherCandidateText> listedTexts_;
 };
 
 }  // namespace orvane
