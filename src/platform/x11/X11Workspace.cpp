@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <map>
 
 namespace orvane {
 
@@ -33,52 +34,63 @@ X11Workspace::X11Workspace(X11WindowModel& model,
         });
 }
 
+RunningApplication X11Workspace::application(ProcessIdentifier process) const {
+    RunningApplication application;
+    application.processIdentifier = process;
+    application.activationPolicy = ApplicationActivationPolicy::regular;
+    if (auto found = launchDates_.find(process); found != launchDates_.end()) {
+        application.launchDate = found->second;
+    }
+    return application;
+}
+
+void X11Workspace::absorb(RunningApplication& application,
+                          const X11WindowModel::ClientWindow& window) {
+    // The front-most window that has them gives the name and the icon.
+    if (!application.localizedName && !window.applicationName.empty()) {
+        application.localizedName = window.applicationName;
+    }
+    if (!application.icon && window.iconWidth > 0) {
+        application.icon = ImageHandle{window.iconGeneration,
+                                       static_cast<double>(window.iconWidth),
+                                       static_cast<double>(window.iconHeight),
+                                       "icon of " + window.applicationName,
+                                       0,
+                                       0};
+    }
+}
+
 std::optional<RunningApplication> X11Workspace::runningApplication(
     ProcessIdentifier process) const {
-    std::optional<RunningApplication> application;
+    std::optional<RunningApplication> found;
     for (auto identifier : model_.stackingFrontToBack()) {
         const auto* window = model_.window(identifier);
         if (window == nullptr || window->process != process) {
             continue;
         }
-        if (!application) {
-            application.emplace();
-            application->processIdentifier = process;
-            application->activationPolicy = ApplicationActivationPolicy::regular;
-            if (auto found = launchDates_.find(process); found != launchDates_.end()) {
-                application->launchDate = found->second;
-            }
+        if (!found) {
+            found = application(process);
         }
-        if (!application->localizedName && !window->applicationName.empty()) {
-            application->localizedName = window->applicationName;
-        }
-        if (!application->icon && window->iconWidth > 0) {
-            application->icon = ImageHandle{window->iconGeneration,
-                                            static_cast<double>(window->iconWidth),
-                                            static_cast<double>(window->iconHeight),
-                                            "icon of " + window->applicationName,
-                                            0,
-                                            0};
-        }
+        absorb(*found, *window);
     }
-    return application;
+    return found;
 }
 
 std::vector<RunningApplication> X11Workspace::runningApplications() const {
     // By each application's front-most window: windows that no focus has ordered yet then follow
     // the stacking, the best guess of recency there is when the program starts on a busy desktop.
     std::vector<RunningApplication> applications;
+    std::map<ProcessIdentifier, std::size_t> positions;
     for (auto identifier : model_.stackingFrontToBack()) {
         const auto* window = model_.window(identifier);
-        if (window == nullptr ||
-            std::any_of(applications.begin(), applications.end(), [&](const auto& known) {
-                return known.processIdentifier == window->process;
-            })) {
+        if (window == nullptr) {
             continue;
         }
-        if (auto application = runningApplication(window->process)) {
-            applications.push_back(std::move(*application));
+        const auto [position, isNew] = positions.try_emplace(window->process, applications.size());
+        if (isNew) {
+            applications.push_back(application(window->process));
         }
+        absorb(applications[position->second], *window);
     }
     return applications;
 }

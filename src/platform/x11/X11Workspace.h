@@ -32,6 +32,9 @@ class X11Workspace final : public WorkspacePort {
     const std::vector<std::uint32_t>* iconPixels(std::uint64_t identifier) const;
 
   private:
+    // The record of a running process, before any of its windows is looked at.
+    RunningApplication application(ProcessIdentifier process) const;
+    static void absorb(RunningApplication& application, const X11WindowModel::ClientWindow& window);
     void modelChanged(X11WindowModel::ChangeKind kind, const X11WindowModel::ClientWindow& window);
     void post(const char* name, const RunningApplication& application);
 
