@@ -2,6 +2,8 @@
 
 #include <QAbstractEventDispatcher>
 #include <QCoreApplication>
+#include <QFileInfo>
+#include <QIcon>
 #include <QTimer>
 #include <cstdlib>
 
@@ -12,14 +14,13 @@
 #include "platform/posix/LocalNotificationCenter.h"
 #include "platform/posix/PackageManagerUpdater.h"
 #include "platform/posix/PosixDynamicLibrary.h"
-#include "platform/posix/PosixFileManager.h"
 #include "platform/posix/ProgramBundle.h"
 #include "platform/posix/SystemClock.h"
 #include "platform/posix/XdgUserDefaults.h"
+#include "platform/x11/GioApplicationLauncher.h"
 #include "platform/x11/X11ScreenCapture.h"
 #include "platform/x11/X11WindowList.h"
 #include "ui/qt/LinuxPermissions.h"
-#include "ui/qt/QtApplicationLauncher.h"
 #include "ui/qt/QtApplicationObject.h"
 #include "ui/qt/QtPasteboard.h"
 #include "ui/qt/QtRunLoop.h"
@@ -46,9 +47,11 @@ DesktopProgram::DesktopProgram(std::unique_ptr<X11Connection> connection)
     auto runLoop = std::make_shared<QtRunLoop>();
     model_ = std::make_unique<X11WindowModel>(*connection_);
     screens_ = std::make_unique<X11Screens>(*connection_, *model_);
+    desktopEntries_ = std::make_shared<DesktopEntryCatalog>();
     auto workspaceNotifications = std::make_shared<LocalNotificationCenter>();
     // Before the Accessibility port: it must hear of a launch before the focus notices.
-    workspace_ = std::make_shared<X11Workspace>(*model_, workspaceNotifications);
+    workspace_ =
+        std::make_shared<X11Workspace>(*model_, workspaceNotifications, desktopEntries_.get());
     eventTap_ = std::make_shared<X11EventTap>(*connection_);
     overlayPanel_ = std::make_shared<QtOverlayPanel>(
         QtOverlayPanel::Environment{[this] { return isComposited(); },
@@ -82,8 +85,9 @@ DesktopProgram::DesktopProgram(std::unique_ptr<X11Connection> connection)
     platform.screenCapture = std::make_shared<X11ScreenCapture>(*model_, *screens_, runLoop);
     platform.screens = std::shared_ptr<ScreenPort>(screens_.get(), [](ScreenPort*) {});
     platform.overlayPanel = overlayPanel_;
-    platform.fileManager = std::make_shared<PosixFileManager>();
-    platform.applicationLauncher = std::make_shared<QtApplicationLauncher>(runLoop);
+    platform.fileManager = desktopEntries_;
+    platform.applicationFolders = desktopEntries_->folders();
+    platform.applicationLauncher = std::make_shared<GioApplicationLauncher>(runLoop);
     platform.sound = std::make_shared<QtSound>();
     platform.updater = std::make_shared<PackageManagerUpdater>();
     platform.bundle = std::make_shared<ProgramBundle>(ORVANE_VERSION, ORVANE_VERSION);
@@ -123,6 +127,8 @@ DesktopProgram::DesktopProgram(std::unique_ptr<X11Connection> connection)
                                      });
     app_->finishLaunching();
     connection_->flush();
+    // Read once the program runs, before anyone searches: thousands of entries take a while.
+    QTimer::singleShot(0, [entries = desktopEntries_] { entries->prepare(); });
 }
 
 DesktopProgram::~DesktopProgram() {
@@ -166,6 +172,11 @@ QImage DesktopProgram::image(const ImageHandle& handle) {
     if (auto found = images_.find(handle.identifier); found != images_.end()) {
         return found->second;
     }
+    if (auto name = desktopEntries_->iconName(handle.identifier)) {
+        auto icon = themeIcon(*name, handle);
+        images_.emplace(handle.identifier, icon);
+        return icon;
+    }
     const auto* pixels = workspace_->iconPixels(handle.identifier);
     if (pixels == nullptr || handle.pixelWidth <= 0 || handle.pixelHeight <= 0) {
         return {};
@@ -183,6 +194,28 @@ QImage DesktopProgram::image(const ImageHandle& handle) {
     }
     images_.emplace(handle.identifier, copy);
     return copy;
+}
+
+QImage DesktopProgram::themeIcon(const std::string& name, const ImageHandle& handle) const {
+    const auto text = QString::fromStdString(name);
+    const QSize size(static_cast<int>(handle.pixelWidth), static_cast<int>(handle.pixelHeight));
+    auto image = (text.startsWith('/') ? QIcon(text) : QIcon::fromTheme(text)).pixmap(size).toImage();
+    // Many entries still name an icon that lives only among the old pixmaps.
+    for (const auto* extension : {".png", ".svg", ".xpm"}) {
+        if (!image.isNull() || text.startsWith('/')) {
+            break;
+        }
+        const auto path = QStringLiteral("/usr/share/pixmaps/") + text + QLatin1String(extension);
+        if (QFileInfo::exists(path)) {
+            image = QIcon(path).pixmap(size).toImage();
+        }
+    }
+    if (image.isNull()) {
+        Logger::forCategory(LogCategory::launcher)
+            .debug("icon %{public}s is in no icon theme; the card draws none", name);
+        return {};
+    }
+    return image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
 }
 
 }  // namespace orvane

@@ -10,6 +10,7 @@
 #include <optional>
 
 #include "app/OrvaneApp.h"
+#include "platform/x11/DesktopEntryCatalog.h"
 #include "platform/x11/X11Accessibility.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11EventTap.h"
@@ -41,10 +42,13 @@ class DesktopProgram {
     bool readComposited();
     Rect toDesktop(const Rect& frame) const;
     QImage image(const ImageHandle& handle);
+    // An icon of a desktop entry, from the icon theme or its file.
+    QImage themeIcon(const std::string& name, const ImageHandle& handle) const;
 
     std::unique_ptr<X11Connection> connection_;
     std::unique_ptr<X11WindowModel> model_;
     std::unique_ptr<X11Screens> screens_;
+    std::shared_ptr<DesktopEntryCatalog> desktopEntries_;
     std::shared_ptr<X11Workspace> workspace_;
     std::shared_ptr<X11Accessibility> accessibility_;
     std::shared_ptr<X11EventTap> eventTap_;

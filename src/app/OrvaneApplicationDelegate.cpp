@@ -58,7 +58,8 @@ OrvaneApplicationDelegate::OrvaneApplicationDelegate(Platform platform)
     auto windowMode = std::make_shared<WindowLauncherMode>(enumeration, recencyTracker_, activation,
                                                            p.workspace, p.sound);
     auto applicationMode = std::make_shared<InstalledApplicationLauncherMode>(
-        p.fileManager, p.applicationLauncher, p.sound, p.mainRunLoop, currentDate);
+        p.fileManager, p.applicationLauncher, p.sound, p.mainRunLoop, currentDate,
+        p.applicationFolders);
     launcherSessionCoordinator_ = std::make_shared<LauncherSessionCoordinator>(
         windowMode, applicationMode, overlayCoordinator_);
 

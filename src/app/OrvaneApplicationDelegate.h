@@ -38,6 +38,7 @@
 #include "platform/UserDefaultsPort.h"
 #include "platform/WindowListPort.h"
 #include "platform/WorkspacePort.h"
+#include "launcher/ApplicationFolders.h"
 #include "preferences/PreferencesStore.h"
 #include "recency/MostRecentlyUsedWindowTracker.h"
 
@@ -68,6 +69,8 @@ class OrvaneApplicationDelegate final
         std::shared_ptr<ScreenPort> screens;
         std::shared_ptr<OverlayPanelPort> overlayPanel;
         std::shared_ptr<FileManagerPort> fileManager;
+        // The platform's own application folders; the ".app" bundle folders when unset.
+        std::optional<ApplicationFolders> applicationFolders;
         std::shared_ptr<ApplicationLauncherPort> applicationLauncher;
         std::shared_ptr<SoundPort> sound;
         std::shared_ptr<UpdaterPort> updater;

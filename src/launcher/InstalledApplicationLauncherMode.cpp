@@ -15,15 +15,13 @@ namespace orvane {
 
 namespace {
 
-constexpr std::string_view applicationSuffix = ".app";
-
-std::vector<std::string> searchedDirectories(const FileManagerPort& fileManager) {
+ApplicationFolders bundleFolders(const FileManagerPort& fileManager) {
     std::vector<std::string> directories{"/Applications", "/Applications/Utilities",
                                          "/System/Applications", "/System/Applications/Utilities"};
     if (const auto home = fileManager.homeDirectoryForCurrentUser()) {
         directories.push_back((std::filesystem::path(*home) / "Applications").string());
     }
-    return directories;
+    return {std::move(directories), ".app", {}};
 }
 
 std::unique_ptr<icu::Collator> makeCaseInsensitiveCollator() {
@@ -52,8 +50,9 @@ icu::StringPiece piece(std::string_view text) {
 InstalledApplicationLauncherMode::InstalledApplicationLauncherMode(
     std::shared_ptr<FileManagerPort> fileManager,
     std::shared_ptr<ApplicationLauncherPort> applicationLauncher, std::shared_ptr<SoundPort> sound,
-    std::shared_ptr<RunLoopPort> mainRunLoop, CurrentDateProvider currentDate)
-    : searchedDirectoryPaths_(searchedDirectories(*fileManager)),
+    std::shared_ptr<RunLoopPort> mainRunLoop, CurrentDateProvider currentDate,
+    std::optional<ApplicationFolders> folders)
+    : folders_(folders ? std::move(*folders) : bundleFolders(*fileManager)),
       fileManager_(std::move(fileManager)),
       applicationLauncher_(std::move(applicationLauncher)),
       sound_(std::move(sound)),
@@ -136,7 +135,7 @@ InstalledApplicationLauncherMode::applicationLocators() {
         return cachedApplicationLocators_;
     }
     std::vector<ApplicationLocator> locators;
-    for (const auto& directory : searchedDirectoryPaths_) {
+    for (const auto& directory : folders_.directories) {
         // A missing or unreadable folder counts as empty, silently.
         const auto listing =
             fileManager_->contentsOfDirectory(directory, FileManagerPort::skipsHiddenFiles);
@@ -146,7 +145,9 @@ InstalledApplicationLauncherMode::applicationLocators() {
         for (const auto& entry : *listing) {
             const std::filesystem::path lexical(entry);
             // Exact and case-sensitive: "Foo.APP" is not an application.
-            if (lexical.extension().string() == applicationSuffix) {
+            const auto name = lexical.filename().string();
+            if (name.size() > folders_.suffix.size() && name.ends_with(folders_.suffix) &&
+                (!folders_.isApplication || folders_.isApplication(entry))) {
                 locators.push_back({entry, lexical.parent_path().string()});
             }
         }
@@ -163,8 +164,8 @@ InstalledApplicationLauncherMode::applicationLocators() {
 std::string InstalledApplicationLauncherMode::applicationDisplayName(
     const std::string& applicationPath) const {
     std::string name = fileManager_->displayName(applicationPath);
-    if (name.ends_with(applicationSuffix)) {
-        name.erase(name.size() - applicationSuffix.size());
+    if (name.ends_with(folders_.suffix)) {
+        name.erase(name.size() - folders_.suffix.size());
     } else if (name.empty()) {
         name = std::filesystem::path(applicationPath).stem().string();
     }

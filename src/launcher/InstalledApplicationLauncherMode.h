@@ -14,6 +14,7 @@
 #include "core/Date.h"
 #include "core/LauncherMode.h"
 #include "core/Logger.h"
+#include "launcher/ApplicationFolders.h"
 #include "launcher/LauncherCandidateText.h"
 #include "platform/ApplicationLauncherPort.h"
 #include "platform/FileManagerPort.h"
@@ -29,14 +30,15 @@ class InstalledApplicationLauncherMode final : public LauncherMode {
     // The age at which the list of applications is scanned again.
     static constexpr double cacheLifetime = 30.0;
 
-    // The searched folders are fixed here: the four system ones, then "Applications" in the home
-    // folder when there is one. A launch failure beeps through `mainRunLoop`, whose `post` must
-    // accept work from any thread. Main thread only.
+    // Without `folders`, the searched folders are the four system ones, then "Applications" in
+    // the home folder when there is one, and applications are the ".app" bundles. A launch failure
+    // beeps through `mainRunLoop`, whose `post` must accept work from any thread. Main thread only.
     InstalledApplicationLauncherMode(std::shared_ptr<FileManagerPort> fileManager,
                                      std::shared_ptr<ApplicationLauncherPort> applicationLauncher,
                                      std::shared_ptr<SoundPort> sound,
                                      std::shared_ptr<RunLoopPort> mainRunLoop,
-                                     CurrentDateProvider currentDate);
+                                     CurrentDateProvider currentDate,
+                                     std::optional<ApplicationFolders> folders = std::nullopt);
 
     std::string modeDisplayName() const override { return "Applications"; }
     std::string searchPlaceholder() const override { return "Search applications"; }
@@ -48,7 +50,7 @@ class InstalledApplicationLauncherMode final : public LauncherMode {
     void activate(const LauncherItem& item) override;
 
     const std::vector<std::string>& searchedDirectoryPaths() const {
-        return searchedDirectoryPaths_;
+        return folders_.directories;
     }
 
   private:
@@ -63,7 +65,7 @@ class InstalledApplicationLauncherMode final : public LauncherMode {
     // Bytes whose order is the locale's case-insensitive order of display names.
     std::string collationKey(const std::string& displayName) const;
 
-    std::vector<std::string> searchedDirectoryPaths_;
+    ApplicationFolders folders_;
     std::shared_ptr<FileManagerPort> fileManager_;
     std::shared_ptr<ApplicationLauncherPort> applicationLauncher_;
     std::shared_ptr<SoundPort> sound_;

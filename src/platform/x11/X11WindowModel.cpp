@@ -267,8 +267,10 @@ void X11WindowModel::reloadProperty(ClientWindow& client, xcb_atom_t atom) {
         }
     } else if (atom == XCB_ATOM_WM_CLASS) {
         if (property && property->format == 8) {
-            if (auto name = X11PropertyParsing::windowClass(property->bytes); !name.empty()) {
-                client.applicationName = std::move(name);
+            client.windowInstance = X11PropertyParsing::boundedText(property->bytes);
+            client.windowClass = X11PropertyParsing::windowClass(property->bytes);
+            if (!client.windowClass.empty()) {
+                client.applicationName = client.windowClass;
             }
         }
     } else if (atom == ewmh._NET_WM_WINDOW_TYPE) {

@@ -29,7 +29,10 @@ class X11WindowModel {
         ProcessIdentifier process = 0;
         bool hasRealProcess = false;
         std::string title;
+        // The class part of WM_CLASS, else the process's name.
         std::string applicationName;
+        // WM_CLASS as set: instance and class; empty when unset.
+        std::string windowInstance, windowClass;
         Kind kind = Kind::normal;
         bool isHidden = false;
         bool skipsTaskbar = false;

@@ -19,9 +19,11 @@ Date now() {
 }  // namespace
 
 X11Workspace::X11Workspace(X11WindowModel& model,
-                           std::shared_ptr<NotificationCenterPort> notifications)
+                           std::shared_ptr<NotificationCenterPort> notifications,
+                           DesktopEntryCatalog* entries)
     : model_(model),
       notifications_(std::move(notifications)),
+      entries_(entries),
       frontmost_(model.frontmostProcess()) {
     for (auto window : model_.stackingFrontToBack()) {
         if (const auto* client = model_.window(window)) {
@@ -45,18 +47,33 @@ RunningApplication X11Workspace::application(ProcessIdentifier process) const {
 }
 
 void X11Workspace::absorb(RunningApplication& application,
-                          const X11WindowModel::ClientWindow& window) {
-    // The front-most window that has them gives the name and the icon.
-    if (!application.localizedName && !window.applicationName.empty()) {
-        application.localizedName = window.applicationName;
+                          const X11WindowModel::ClientWindow& window) const {
+    if (application.localizedName && application.icon) {
+        return;
     }
-    if (!application.icon && window.iconWidth > 0) {
-        application.icon = ImageHandle{window.iconGeneration,
-                                       static_cast<double>(window.iconWidth),
-                                       static_cast<double>(window.iconHeight),
-                                       "icon of " + window.applicationName,
-                                       0,
-                                       0};
+    const auto* entry =
+        entries_ != nullptr ? entries_->entryForWindowClass(window.windowInstance, window.windowClass)
+                            : nullptr;
+    // The front-most window that has them gives the name and the icon; a matching desktop entry
+    // names the application as the menu does, and draws it when the window has no icon of its own.
+    if (!application.localizedName) {
+        if (entry != nullptr && !entry->name.empty()) {
+            application.localizedName = entry->name;
+        } else if (!window.applicationName.empty()) {
+            application.localizedName = window.applicationName;
+        }
+    }
+    if (!application.icon) {
+        if (window.iconWidth > 0) {
+            application.icon = ImageHandle{window.iconGeneration,
+                                           static_cast<double>(window.iconWidth),
+                                           static_cast<double>(window.iconHeight),
+                                           "icon of " + window.applicationName,
+                                           0,
+                                           0};
+        } else if (entry != nullptr) {
+            application.icon = entry->icon;
+        }
     }
 }
 

@@ -1,5 +1,6 @@
 // The workspace over the window model: a running application is a process with client windows,
-// named by its window class or process name; the frontmost one owns the active window. Posts the
+// named and drawn as the desktop entry that matches its window class says, else by its window
+// class or process name and its windows' own icon; the frontmost one owns the active window. Posts the
 // launch, termination and activation notices on the workspace notification centre as the window
 // model tells of them; it must be made before the Accessibility port, so that it hears first.
 #pragma once
@@ -10,13 +11,16 @@
 
 #include "platform/NotificationCenterPort.h"
 #include "platform/WorkspacePort.h"
+#include "platform/x11/DesktopEntryCatalog.h"
 #include "platform/x11/X11WindowModel.h"
 
 namespace orvane {
 
 class X11Workspace final : public WorkspacePort {
   public:
-    X11Workspace(X11WindowModel& model, std::shared_ptr<NotificationCenterPort> notifications);
+    // Without `entries`, names and icons come from the windows alone.
+    X11Workspace(X11WindowModel& model, std::shared_ptr<NotificationCenterPort> notifications,
+                 DesktopEntryCatalog* entries = nullptr);
 
     // Ordered by each application's front-most window.
     std::vector<RunningApplication> runningApplications() const override;
@@ -34,12 +38,13 @@ class X11Workspace final : public WorkspacePort {
   private:
     // The record of a running process, before any of its windows is looked at.
     RunningApplication application(ProcessIdentifier process) const;
-    static void absorb(RunningApplication& application, const X11WindowModel::ClientWindow& window);
+    void absorb(RunningApplication& application, const X11WindowModel::ClientWindow& window) const;
     void modelChanged(X11WindowModel::ChangeKind kind, const X11WindowModel::ClientWindow& window);
     void post(const char* name, const RunningApplication& application);
 
     X11WindowModel& model_;
     std::shared_ptr<NotificationCenterPort> notifications_;
+    DesktopEntryCatalog* entries_;
     std::map<ProcessIdentifier, Date> launchDates_;
     std::optional<ProcessIdentifier> frontmost_;
 };

@@ -1,5 +1,6 @@
-// Opens an application by starting its executable, detached and without a shell; the completion
-// comes later through the run loop.
+// Opens an installed application from its desktop entry through GIO: the entry's Exec line is
+// split into arguments and started directly, never through a shell. The completion comes later
+// through the run loop.
 #pragma once
 
 #include <memory>
@@ -9,9 +10,9 @@
 
 namespace orvane {
 
-class QtApplicationLauncher final : public ApplicationLauncherPort {
+class GioApplicationLauncher final : public ApplicationLauncherPort {
   public:
-    explicit QtApplicationLauncher(std::shared_ptr<RunLoopPort> runLoop)
+    explicit GioApplicationLauncher(std::shared_ptr<RunLoopPort> runLoop)
         : runLoop_(std::move(runLoop)) {}
 
     void openApplication(const std::string& applicationPath,
