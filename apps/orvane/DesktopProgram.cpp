@@ -66,7 +66,10 @@ DesktopProgram::DesktopProgram(std::unique_ptr<X11Connection> connection)
     platform.currentProcessIdentifier =
         static_cast<ProcessIdentifier>(QCoreApplication::applicationPid());
     platform.userDefaults = std::make_shared<XdgUserDefaults>();
-    platform.permissions = std::make_shared<LinuxPermissions>([] { return false; });
+    screenCapture_ =
+        std::make_shared<X11ScreenCapture>(*connection_, *model_, *screens_, runLoop);
+    platform.permissions = std::make_shared<LinuxPermissions>(
+        [capture = screenCapture_] { return capture->preflightScreenCaptureAccess(); });
     platform.mainRunLoop = runLoop;
     platform.clock = std::make_shared<SystemClock>();
     platform.application = std::make_shared<QtApplicationObject>(applicationNotifications);
@@ -82,7 +85,7 @@ DesktopProgram::DesktopProgram(std::unique_ptr<X11Connection> connection)
     platform.distributedNotifications = distributedNotifications;
     platform.eventTaps = eventTap_;
     platform.privateFocusLibrary = std::make_shared<PosixDynamicLibrary>();
-    platform.screenCapture = std::make_shared<X11ScreenCapture>(*model_, *screens_, runLoop);
+    platform.screenCapture = screenCapture_;
     platform.screens = std::shared_ptr<ScreenPort>(screens_.get(), [](ScreenPort*) {});
     platform.overlayPanel = overlayPanel_;
     platform.fileManager = desktopEntries_;
@@ -172,6 +175,12 @@ QImage DesktopProgram::image(const ImageHandle& handle) {
     if (auto found = images_.find(handle.identifier); found != images_.end()) {
         return found->second;
     }
+    // Previews change with every capture: they go to the renderer as they are, never kept here.
+    if (const auto* thumbnail = screenCapture_->thumbnail(handle.identifier)) {
+        return QImage(reinterpret_cast<const uchar*>(thumbnail->pixels.data()), thumbnail->width,
+                      thumbnail->height, thumbnail->width * 4,
+                      QImage::Format_ARGB32_Premultiplied);
+    }
     if (auto name = desktopEntries_->iconName(handle.identifier)) {
         auto icon = themeIcon(*name, handle);
         images_.emplace(handle.identifier, icon);
@@ -199,7 +208,8 @@ QImage DesktopProgram::image(const ImageHandle& handle) {
 QImage DesktopProgram::themeIcon(const std::string& name, const ImageHandle& handle) const {
     const auto text = QString::fromStdString(name);
     const QSize size(static_cast<int>(handle.pixelWidth), static_cast<int>(handle.pixelHeight));
-    auto image = (text.startsWith('/') ? QIcon(text) : QIcon::fromTheme(text)).pixmap(size).toImage();
+    auto image =
+        (text.startsWith('/') ? QIcon(text) : QIcon::fromTheme(text)).pixmap(size).toImage();
     // Many entries still name an icon that lives only among the old pixmaps.
     for (const auto* extension : {".png", ".svg", ".xpm"}) {
         if (!image.isNull() || text.startsWith('/')) {

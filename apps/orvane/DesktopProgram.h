@@ -14,6 +14,7 @@
 #include "platform/x11/X11Accessibility.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11EventTap.h"
+#include "platform/x11/X11ScreenCapture.h"
 #include "platform/x11/X11Screens.h"
 #include "platform/x11/X11WindowModel.h"
 #include "platform/x11/X11Workspace.h"
@@ -49,6 +50,7 @@ class DesktopProgram {
     std::unique_ptr<X11WindowModel> model_;
     std::unique_ptr<X11Screens> screens_;
     std::shared_ptr<DesktopEntryCatalog> desktopEntries_;
+    std::shared_ptr<X11ScreenCapture> screenCapture_;
     std::shared_ptr<X11Workspace> workspace_;
     std::shared_ptr<X11Accessibility> accessibility_;
     std::shared_ptr<X11EventTap> eventTap_;

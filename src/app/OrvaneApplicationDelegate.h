@@ -12,6 +12,7 @@
 #include "core/SoftwareUpdateService.h"
 #include "core/SwitcherSessionCoordinator.h"
 #include "interception/GlobalShortcutInterceptor.h"
+#include "launcher/ApplicationFolders.h"
 #include "launcher/LauncherSessionCoordinator.h"
 #include "overlay/SwitcherOverlayCoordinator.h"
 #include "permissions/PermissionOnboardingWindowController.h"
@@ -38,7 +39,6 @@
 #include "platform/UserDefaultsPort.h"
 #include "platform/WindowListPort.h"
 #include "platform/WorkspacePort.h"
-#include "launcher/ApplicationFolders.h"
 #include "preferences/PreferencesStore.h"
 #include "recency/MostRecentlyUsedWindowTracker.h"
 

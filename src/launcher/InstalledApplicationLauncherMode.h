@@ -49,9 +49,7 @@ class InstalledApplicationLauncherMode final : public LauncherMode {
     // beeps once on the main run loop; nothing is retried.
     void activate(const LauncherItem& item) override;
 
-    const std::vector<std::string>& searchedDirectoryPaths() const {
-        return folders_.directories;
-    }
+    const std::vector<std::string>& searchedDirectoryPaths() const { return folders_.directories; }
 
   private:
     // One scanned application; the parent folder is derived once per scan, not per keystroke.

@@ -57,12 +57,13 @@ TEST(DesktopEntryCatalogTests, OffersWhatTheMenuShowsAndMatchesWindowsToEntries)
     auto runLoop = std::make_shared<SimulatedRunLoop>();
     Date now = runLoop->now();
     InstalledApplicationLauncherMode mode(
-        entries, nullptr, std::make_shared<SimulatedSound>(),
-        runLoop, [&] { return now; }, catalog.folders());
+        entries, nullptr, std::make_shared<SimulatedSound>(), runLoop, [&] { return now; },
+        catalog.folders());
     const auto titles = [&](const std::string& query) {
         std::vector<std::string> result;
         for (const auto& item : mode.items(query)) {
-            result.push_back(item.title + " in " + fs::path(item.subtitle.value_or("")).filename().string());
+            result.push_back(item.title + " in " +
+                             fs::path(item.subtitle.value_or("")).filename().string());
         }
         return result;
     };
@@ -91,7 +92,8 @@ TEST(DesktopEntryCatalogTests, OffersWhatTheMenuShowsAndMatchesWindowsToEntries)
 
     // A changed entry is read again with the next listing; the rest are not.
     write(user / "notes.desktop", entry("Jotter", "Name[xx_YY]=Wrong\n"));
-    fs::last_write_time(user / "notes.desktop", fs::file_time_type::clock::now() + std::chrono::hours(1));
+    fs::last_write_time(user / "notes.desktop",
+                        fs::file_time_type::clock::now() + std::chrono::hours(1));
     now.secondsSinceReferenceDate += InstalledApplicationLauncherMode::cacheLifetime;
     EXPECT_THAT(titles("o"), ElementsAre("Jotter in home"));
     fs::remove_all(root);

@@ -26,9 +26,9 @@ std::optional<std::pair<std::int64_t, off_t>> fileStamp(const std::string& path)
     if (::stat(path.c_str(), &status) != 0) {
         return std::nullopt;
     }
-    return std::pair{static_cast<std::int64_t>(status.st_mtim.tv_sec) * 1000000000 +
-                         status.st_mtim.tv_nsec,
-                     status.st_size};
+    return std::pair{
+        static_cast<std::int64_t>(status.st_mtim.tv_sec) * 1000000000 + status.st_mtim.tv_nsec,
+        status.st_size};
 }
 
 std::string lowered(std::string_view text) {
@@ -200,15 +200,16 @@ std::optional<DesktopEntryCatalog::Entry> DesktopEntryCatalog::read(const std::s
         if (isNew) {
             iconNames_.push_back(entry.iconName);
         }
-        entry.icon = ImageHandle{known->second, iconPixelSide, iconPixelSide,
-                                 "icon " + entry.iconName, 0, 0};
+        entry.icon = ImageHandle{
+            known->second, iconPixelSide, iconPixelSide, "icon " + entry.iconName, 0, 0};
     }
     return entry;
 }
 
 const std::vector<DesktopEntryCatalog::Listing>& DesktopEntryCatalog::listings() {
     const auto now = std::chrono::steady_clock::now();
-    if (listings_.size() == directories_.size() && now - listingsChecked_ < std::chrono::seconds(1)) {
+    if (listings_.size() == directories_.size() &&
+        now - listingsChecked_ < std::chrono::seconds(1)) {
         return listings_;
     }
     listingsChecked_ = now;
@@ -223,8 +224,8 @@ const std::vector<DesktopEntryCatalog::Listing>& DesktopEntryCatalog::listings()
         listingsChanged_ = true;
         listing.modified = modified;
         listing.names.clear();
-        for (const auto& path : files_.contentsOfDirectory(directories_[index], 0).value_or(
-                 std::vector<std::string>{})) {
+        for (const auto& path : files_.contentsOfDirectory(directories_[index], 0)
+                                    .value_or(std::vector<std::string>{})) {
             auto name = std::filesystem::path(path).filename().string();
             if (name.ends_with(entrySuffix)) {
                 listing.names.insert(std::move(name));

@@ -51,9 +51,9 @@ void X11Workspace::absorb(RunningApplication& application,
     if (application.localizedName && application.icon) {
         return;
     }
-    const auto* entry =
-        entries_ != nullptr ? entries_->entryForWindowClass(window.windowInstance, window.windowClass)
-                            : nullptr;
+    const auto* entry = entries_ != nullptr ? entries_->entryForWindowClass(window.windowInstance,
+                                                                            window.windowClass)
+                                            : nullptr;
     // The front-most window that has them gives the name and the icon; a matching desktop entry
     // names the application as the menu does, and draws it when the window has no icon of its own.
     if (!application.localizedName) {
