@@ -7,7 +7,9 @@
 #include <algorithm>
 #include <cstdlib>
 #include <deque>
+#include <fstream>
 #include <memory>
+#include <thread>
 
 #include "DesktopSession.h"
 
@@ -99,12 +101,18 @@ TEST_F(DesktopEndToEndTest, AltTabBringsThePreviousWindowForwardInRecencyOrder) 
 }
 
 // Tab, Shift-Tab and the arrows move the selection on the overlay, which never takes the focus;
-// Escape leaves the focus where it was. The overlay's pixels show the panel, the selection and
-// each card's icon.
-TEST_F(DesktopEndToEndTest, TheOverlayShowsCardsAndEscapeLeavesTheFocusAlone) {
-    start("Red", 0xdd2222);
+// Escape leaves the focus where it was. The overlay's pixels show the panel, the selection, a
+// preview of each window's contents, and the icon of the minimized one, which has none.
+TEST_F(DesktopEndToEndTest, TheOverlayShowsPreviewsAndEscapeLeavesTheFocusAlone) {
+    auto& red = start("Red", 0xdd2222);
     start("Green", 0x22dd22);
     auto& blue = start("Blue", 0x2222dd);
+    session->minimize(red.window);
+    session->activate(blue.window);
+    ASSERT_TRUE(becomesActive(blue.window));
+    // The list of capturable windows is kept 2 s: windows newer than the last gesture's list get
+    // previews once it has aged.
+    std::this_thread::sleep_for(std::chrono::milliseconds(2100));
 
     session->press("Alt_L");
     session->tap("Tab");
@@ -120,22 +128,67 @@ TEST_F(DesktopEndToEndTest, TheOverlayShowsCardsAndEscapeLeavesTheFocusAlone) {
     const auto overlay = session->overlayWindow();
     ASSERT_TRUE(overlay.has_value());
     const char* folder = std::getenv("ORVANE_SCREENSHOT_DIR");
-    const auto capture = session->capture(
-        *overlay, (folder ? std::filesystem::path(folder) : session->folder()) / "switcher.png");
-    ASSERT_GT(capture.width, 200);
+    DesktopSession::Capture capture;
     auto count = [&](std::uint32_t colour) {
         return std::count(capture.pixels.begin(), capture.pixels.end(), colour);
     };
-    EXPECT_GT(count(0x262628), capture.width * capture.height / 4) << "the panel";
+    // A client's icon is the inverse of its colour, and an icon fills far less of a card than a
+    // preview does. Previews arrive once captured.
+    const auto previewed = [&] { return count(0x22dd22) > 5000 && count(0x2222dd) > 5000; };
+    DesktopSession::waitFor([&] {
+        capture = session->capture(
+            *overlay,
+            (folder ? std::filesystem::path(folder) : session->folder()) / "switcher.png");
+        return previewed();
+    });
+    ASSERT_GT(capture.width, 200);
+    EXPECT_GT(count(0x262628), capture.width * capture.height / 8) << "the panel";
     EXPECT_GT(count(0x0a84ff), 100) << "the selection's outline";
-    for (std::uint32_t icon : {0xdd2222u, 0x22dd22u, 0x2222ddu}) {
-        EXPECT_GT(count(icon), 200) << std::hex << icon;
-    }
+    EXPECT_TRUE(previewed()) << count(0x22dd22) << " green, " << count(0x2222dd) << " blue";
+    EXPECT_EQ(count(0xdd2222), 0) << "no preview of a minimized window";
+    // Dimmed, as a minimized window's is, and under the selection.
+    const auto cyan = std::count_if(capture.pixels.begin(), capture.pixels.end(), [](auto pixel) {
+        return (pixel >> 16) < 0x50 && ((pixel >> 8) & 0xff) > 0x80 && (pixel & 0xff) > 0x80;
+    });
+    EXPECT_GT(cyan, 2000) << "its icon instead";
 
     session->tap("Escape");
     EXPECT_TRUE(DesktopSession::waitFor([&] { return !session->overlayWindow(); }));
     session->release("Alt_L");
     EXPECT_TRUE(becomesActive(blue.window));
+}
+
+// Alt-Space twice searches the installed applications; keys type through the user's layout (here
+// Danish, whose key right of L types "æ"); Return opens the entry, whose window takes the focus.
+// A malformed entry beside it is skipped with one line.
+TEST_F(DesktopEndToEndTest, TheLauncherOpensAnInstalledApplicationTypedInAnyLayout) {
+    auto& open = start("Open", 0x446688);
+    const auto entries = session->applicationsFolder();
+    std::ofstream(entries / "orvane-test-aeble.desktop")
+        << "[Desktop Entry]\nType=Application\nName=Æble Pad\nExec=" << ORVANE_TEST_CLIENT_PATH
+        << " \"Æble Pad\" 338866\n";
+    std::ofstream(entries / "orvane-test-broken.desktop") << "[Desktop Entry\nName=Broken\n";
+    session->setLayout("dk");
+
+    session->press("Alt_L");
+    session->tap("space");
+    session->tap("space");
+    session->release("Alt_L");
+    for (const auto* key : {"ae", "b", "l"}) {
+        session->tap(key);
+    }
+    session->tap("Return");
+    const auto opened = session->windowTitled("Æble Pad");
+    session->setLayout("us");
+    ASSERT_TRUE(opened.has_value()) << session->programLog();
+    EXPECT_TRUE(becomesActive(*opened));
+    const auto log = session->programLog();
+    EXPECT_NE(log.find("launching application Æble Pad"), std::string::npos);
+    EXPECT_NE(
+        log.find("skipped desktop entry " + (entries / "orvane-test-broken.desktop").string()),
+        std::string::npos);
+    session->close(*opened);
+    EXPECT_TRUE(becomesActive(open.window));
 }
 
 // A minimized window comes back when chosen; a window that closes while the overlay shows it is

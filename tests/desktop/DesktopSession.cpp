@@ -57,6 +57,8 @@ DesktopSession::DesktopSession() {
     display_ = ":" + number;
     ::setenv("DISPLAY", display_.c_str(), 1);
     ::setenv("XDG_CONFIG_HOME", (folder_ / "config").c_str(), 1);
+    ::setenv("XDG_DATA_HOME", (folder_ / "data").c_str(), 1);
+    std::filesystem::create_directories(applicationsFolder());
     // Under LeakSanitizer the program reports only leaks of its own.
     const char* leakOptions = std::getenv("LSAN_OPTIONS");
     const std::string suppressions = std::string("suppressions=") + ORVANE_LSAN_SUPPRESSIONS;
@@ -287,6 +289,44 @@ void DesktopSession::activate(xcb_window_t window) {
 void DesktopSession::minimize(xcb_window_t window) {
     sendToWindowManager(window, atom("WM_CHANGE_STATE"), {3});
     waitFor([&] { return isMinimized(window); });
+}
+
+void DesktopSession::close(xcb_window_t window) {
+    sendToWindowManager(window, atom("_NET_CLOSE_WINDOW"), {XCB_CURRENT_TIME, 2});
+    waitFor([&] {
+        const auto list = cardinals(root_, atom("_NET_CLIENT_LIST"));
+        return std::find(list.begin(), list.end(), window) == list.end();
+    });
+}
+
+std::optional<xcb_window_t> DesktopSession::windowTitled(const std::string& title) {
+    std::optional<xcb_window_t> found;
+    waitFor([&] {
+        for (auto window : cardinals(root_, atom("_NET_CLIENT_LIST"))) {
+            auto* reply = xcb_get_property_reply(
+                connection_,
+                xcb_get_property(connection_, 0, window, atom("_NET_WM_NAME"),
+                                 XCB_GET_PROPERTY_TYPE_ANY, 0, 1024),
+                nullptr);
+            if (reply != nullptr &&
+                std::string(static_cast<const char*>(xcb_get_property_value(reply)),
+                            static_cast<std::size_t>(xcb_get_property_value_length(reply))) ==
+                    title) {
+                found = window;
+            }
+            std::free(reply);
+        }
+        return found.has_value();
+    });
+    return found;
+}
+
+void DesktopSession::setLayout(const std::string& layout) {
+    const auto process = spawn({"setxkbmap", "-layout", layout}, folder_ / "clients.log");
+    if (process > 0) {
+        ::waitpid(process, nullptr, 0);
+    }
+    sync();
 }
 
 void DesktopSession::moveToDesktop(xcb_window_t window, std::uint32_t desktop) {

@@ -53,6 +53,12 @@ class DesktopSession {
     // Asks the window manager to activate or minimize a window, as a taskbar would.
     void activate(xcb_window_t window);
     void minimize(xcb_window_t window);
+    // Asks the window manager to close a window, as its close button would.
+    void close(xcb_window_t window);
+    // The client window whose _NET_WM_NAME is `title`, once the window manager lists it.
+    std::optional<xcb_window_t> windowTitled(const std::string& title);
+    // Sets the keyboard layout with setxkbmap ("us", "dk"), as a user's settings would.
+    void setLayout(const std::string& layout);
     // Moves a window to another virtual desktop, as a pager would.
     void moveToDesktop(xcb_window_t window, std::uint32_t desktop);
     std::uint32_t currentDesktop();
@@ -72,6 +78,8 @@ class DesktopSession {
     void sync();
 
     const std::filesystem::path& folder() const { return folder_; }
+    // $XDG_DATA_HOME/applications of the program: where tests install desktop entries.
+    std::filesystem::path applicationsFolder() const { return folder_ / "data" / "applications"; }
     xcb_connection_t* connection() const { return connection_; }
     xcb_window_t root() const { return root_; }
     // Starts a process on this display, its output appended to `output`.

@@ -1,9 +1,9 @@
 // A tiny X client for the end-to-end tests: one window with a title, a process, a solid colour
-// and a matching icon, that records every key it receives (the key codes, appended to its
-// _ORVANE_RECEIVED property) and quits when the window manager closes it. With --hold it holds
-// Alt+Tab instead, as a window manager's own switcher does, until it is killed.
-// With --absurd after the colour it claims an impossible process, a title of 200 KB and an icon
-// whose sizes lie, as a broken client might.
+// and an icon of the inverse colour (so that a card tells a preview from an icon), that records
+// every key it receives (the key codes, appended to its _ORVANE_RECEIVED property) and quits when
+// the window manager closes it. With --hold it holds Alt+Tab instead, as a window manager's own
+// switcher does, until it is killed. With --absurd after the colour it claims an impossible
+// process, a title of 200 KB and an icon whose sizes lie, as a broken client might.
 //   orvane-test-client TITLE RRGGBB [--absurd]
 //   orvane-test-client --hold TAB-KEYCODE
 
@@ -66,7 +66,7 @@ int main(int argc, char** argv) {
     const std::uint32_t pid = absurd ? 0xFFFFFFFFu : static_cast<std::uint32_t>(getpid());
     set(orvane::testing::internAtom(connection, "_NET_WM_PID"), XCB_ATOM_CARDINAL, 32, 1, &pid);
     std::vector<std::uint32_t> icon{absurd ? 100000u : 16u, 16};
-    icon.resize(2 + 256, 0xFF000000u | colour);
+    icon.resize(2 + 256, 0xFF000000u | (~colour & 0xFFFFFFu));
     set(orvane::testing::internAtom(connection, "_NET_WM_ICON"), XCB_ATOM_CARDINAL, 32,
         static_cast<std::uint32_t>(icon.size()), icon.data());
     // WM_HINTS: input hint set, so the window manager gives it the focus.

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/x11/X11ComposeInput.h"
 #include "platform/x11/X11KeyTranslation.h"
 #include "platform/x11/X11PropertyParsing.h"
 
@@ -33,6 +34,30 @@ TEST(X11KeyTranslation, ModifierMasksAndKeysymsBecomeFlags) {
     EXPECT_EQ(X11KeyTranslation::modifierFlagOfKeysym(0xffe4), flag::control);  // Control_R
     EXPECT_EQ(X11KeyTranslation::modifierFlagOfKeysym(0xfe03), 0u);  // ISO_Level3_Shift (AltGr)
     EXPECT_EQ(X11KeyTranslation::modifierFlagOfKeysym('a'), 0u);
+}
+
+TEST(X11ComposeInput, DeadKeysAndComposeSequencesTypeWhatTheLocaleComposes) {
+    auto* context = xkb_context_new(XKB_CONTEXT_NO_FLAGS);
+    X11ComposeInput compose(context, "en_US.UTF-8");
+    const auto type = [&](std::initializer_list<std::pair<xkb_keysym_t, const char*>> keys) {
+        std::string typed;
+        for (const auto& [keysym, own] : keys) {
+            typed += compose.feed(keysym, own) + "|";
+        }
+        return typed;
+    };
+    EXPECT_EQ(type({{XKB_KEY_a, "a"}, {XKB_KEY_Shift_L, ""}, {XKB_KEY_B, "B"}}), "a||B|");
+    EXPECT_EQ(type({{XKB_KEY_dead_acute, ""}, {XKB_KEY_e, "e"}}), "|é|");
+    EXPECT_EQ(type({{XKB_KEY_Multi_key, ""}, {XKB_KEY_o, "o"}, {XKB_KEY_slash, "/"}}), "||ø|");
+    // A key that ends no sequence cancels it, and typing goes on afresh.
+    EXPECT_EQ(type({{XKB_KEY_dead_acute, ""}, {XKB_KEY_q, "q"}, {XKB_KEY_x, "x"}}), "||x|");
+    compose.feed(XKB_KEY_dead_grave, "");
+    compose.reset();
+    EXPECT_EQ(type({{XKB_KEY_a, "a"}}), "a|");
+    // Without a table for the locale, each key types its own text.
+    X11ComposeInput none(context, "xx_NOWHERE");
+    EXPECT_EQ(none.feed(XKB_KEY_dead_acute, "´"), "´");
+    xkb_context_unref(context);
 }
 
 TEST(X11PropertyParsing, ClientPropertiesOfAnyShapeGiveBoundedValues) {

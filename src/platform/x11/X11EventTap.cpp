@@ -24,7 +24,7 @@ const Logger& log() {
 constexpr std::uint16_t graveKeyCode = 50;
 constexpr std::uint16_t spaceKeyCode = 49;
 
-std::u16string utf16(const char* utf8) {
+std::u16string utf16(const std::string& utf8) {
     const auto text = icu::UnicodeString::fromUTF8(utf8);
     return std::u16string(text.getBuffer(), static_cast<std::size_t>(text.length()));
 }
@@ -56,6 +56,7 @@ X11EventTap::X11EventTap(X11Connection& connection) : connection_(connection) {
         log().error("the X keyboard extension is missing; no shortcut can be caught");
         return;
     }
+    compose_ = std::make_unique<X11ComposeInput>(context_);
     deviceIdentifier_ = xkb_x11_get_core_keyboard_device_id(connection_.connection());
     const auto device = static_cast<xcb_xkb_device_spec_t>(deviceIdentifier_);
     constexpr std::uint16_t events = XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY |
@@ -375,7 +376,8 @@ void X11EventTap::handleKey(const xcb_key_press_event_t& event, bool isPress) {
         if (isPress && state_ != nullptr) {
             char buffer[64] = {};
             xkb_state_key_get_utf8(state_, event.detail, buffer, sizeof buffer);
-            text = utf16(buffer);
+            // Dead keys and compose sequences count only while a session holds the keyboard.
+            text = utf16(activeGrab_ && compose_ ? compose_->feed(keysym, buffer) : buffer);
         }
         deliver(isPress ? keyboard_event_type::keyDown : keyboard_event_type::keyUp,
                 storedKeyCodeOf(event.detail), stateFlags, isAutorepeat, std::move(text),
@@ -402,6 +404,9 @@ void X11EventTap::synchronizeActiveGrab(xcb_timestamp_t time) {
                                                       XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
                                     nullptr);
         activeGrab_ = reply != nullptr && reply->status == XCB_GRAB_STATUS_SUCCESS;
+        if (compose_) {
+            compose_->reset();
+        }
         if (!activeGrab_) {
             log().error("the keyboard could not be grabbed for the session (status %{public}d)",
                         reply ? reply->status : -1);

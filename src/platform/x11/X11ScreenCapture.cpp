@@ -104,7 +104,7 @@ void X11ScreenCapture::getShareableContent(bool excludingDesktopWindows, bool on
             (onScreenWindowsOnly && window->isHidden)) {
             continue;
         }
-        content.windows.push_back({static_cast<WindowIdentifier>(window->window), window->frame});
+        content.windows.push_back({window->identifier, window->frame});
     }
     runLoop_->post([completion = std::move(completion), content] { completion(content); });
 }
@@ -112,15 +112,16 @@ void X11ScreenCapture::getShareableContent(bool excludingDesktopWindows, bool on
 void X11ScreenCapture::captureImage(const ContentFilter& filter,
                                     const StreamConfiguration& configuration,
                                     ImageCompletion completion) {
-    const auto window = static_cast<xcb_window_t>(filter.desktopIndependentWindow);
-    const auto width = static_cast<int>(std::clamp<std::int64_t>(configuration.width, 0, largestSide));
+    const auto window = filter.desktopIndependentWindow;
+    const auto width =
+        static_cast<int>(std::clamp<std::int64_t>(configuration.width, 0, largestSide));
     const auto height =
         static_cast<int>(std::clamp<std::int64_t>(configuration.height, 0, largestSide));
-    runLoop_->post([weak = weak_from_this(), window, width, height,
-                    completion = std::move(completion)] {
-        auto self = weak.lock();
-        completion(self ? self->capture(window, width, height) : std::nullopt);
-    });
+    runLoop_->post(
+        [weak = weak_from_this(), window, width, height, completion = std::move(completion)] {
+            auto self = weak.lock();
+            completion(self ? self->capture(window, width, height) : std::nullopt);
+        });
 }
 
 std::optional<double> X11ScreenCapture::mainScreenBackingScaleFactor() const {
@@ -136,11 +137,13 @@ const X11ScreenCapture::Thumbnail* X11ScreenCapture::thumbnail(std::uint64_t ide
     return nullptr;
 }
 
-std::optional<ImageHandle> X11ScreenCapture::capture(xcb_window_t window, int width, int height) {
-    const auto* client = model_.window(window);
+std::optional<ImageHandle> X11ScreenCapture::capture(WindowIdentifier identifier, int width,
+                                                     int height) {
+    const auto* client = model_.windowOf(identifier);
     if (!available_ || width <= 0 || height <= 0 || client == nullptr || client->isHidden) {
         return std::nullopt;
     }
+    const auto window = client->window;
     const auto frame = frameOf(window);
     if (!frame) {
         log().debug("no preview of window 0x%{public}x: it is gone", window);
@@ -175,8 +178,14 @@ std::optional<ImageHandle> X11ScreenCapture::capture(xcb_window_t window, int wi
     // The server scales: only the card-sized result crosses the connection.
     const xcb_render_picture_t source = xcb_generate_id(c);
     xcb_render_create_picture(c, source, contents, *format, 0, nullptr);
-    const xcb_render_transform_t scale{fixed(double(sourceWidth) / width), 0, 0, 0,
-                                       fixed(double(sourceHeight) / height), 0, 0, 0,
+    const xcb_render_transform_t scale{fixed(double(sourceWidth) / width),
+                                       0,
+                                       0,
+                                       0,
+                                       fixed(double(sourceHeight) / height),
+                                       0,
+                                       0,
+                                       0,
                                        fixed(1)};
     xcb_render_set_picture_transform(c, source, scale);
     const char filter[] = "bilinear";
@@ -188,9 +197,9 @@ std::optional<ImageHandle> X11ScreenCapture::capture(xcb_window_t window, int wi
     xcb_render_create_picture(c, target, scaled, argbFormat_, 0, nullptr);
     xcb_render_composite(c, XCB_RENDER_PICT_OP_SRC, source, XCB_NONE, target, 0, 0, 0, 0, 0, 0,
                          static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height));
-    auto imageCookie = xcb_get_image(c, XCB_IMAGE_FORMAT_Z_PIXMAP, scaled, 0, 0,
-                                     static_cast<std::uint16_t>(width),
-                                     static_cast<std::uint16_t>(height), ~0u);
+    auto imageCookie =
+        xcb_get_image(c, XCB_IMAGE_FORMAT_Z_PIXMAP, scaled, 0, 0, static_cast<std::uint16_t>(width),
+                      static_cast<std::uint16_t>(height), ~0u);
     xcb_render_free_picture(c, target);
     xcb_render_free_picture(c, source);
     xcb_free_pixmap(c, scaled);
@@ -207,8 +216,8 @@ std::optional<ImageHandle> X11ScreenCapture::capture(xcb_window_t window, int wi
                         std::vector<std::uint32_t>(count)};
     std::memcpy(thumbnail.pixels.data(), xcb_get_image_data(image), count * 4);
     std::free(image);
-    ImageHandle handle{thumbnail.identifier, double(width), double(height),
-                       "preview of " + client->title, 0, 0};
+    ImageHandle handle{
+        thumbnail.identifier, double(width), double(height), "preview of " + client->title, 0, 0};
     thumbnails_.insert_or_assign(window, std::move(thumbnail));
     return handle;
 }

@@ -48,7 +48,7 @@ class X11ScreenCapture final : public ScreenCapturePort,
     const Thumbnail* thumbnail(std::uint64_t identifier) const;
 
   private:
-    std::optional<ImageHandle> capture(xcb_window_t window, int width, int height);
+    std::optional<ImageHandle> capture(WindowIdentifier identifier, int width, int height);
     // The window manager's frame around a client: its top-level ancestor.
     std::optional<xcb_window_t> frameOf(xcb_window_t window);
     void redirect(xcb_window_t window);

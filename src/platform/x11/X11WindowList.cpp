@@ -41,7 +41,7 @@ std::optional<PropertyListValue> X11WindowList::copyWindowInfo(std::uint32_t opt
         auto add = [&](const char* key, PropertyListValue value) {
             dictionary.emplace_back(PropertyListValue{key}, std::move(value));
         };
-        add(window_list_key::number, static_cast<std::int64_t>(window->window));
+        add(window_list_key::number, static_cast<std::int64_t>(window->identifier));
         add(window_list_key::ownerProcessIdentifier, static_cast<std::int64_t>(window->process));
         add(window_list_key::bounds, dictionaryRepresentation(window->frame));
         if (!window->applicationName.empty()) {

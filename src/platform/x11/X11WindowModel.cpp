@@ -54,7 +54,15 @@ std::optional<ProcessIdentifier> X11WindowModel::frontmostProcess() const {
     return client ? std::optional(client->process) : std::nullopt;
 }
 
+const X11WindowModel::ClientWindow* X11WindowModel::windowOf(WindowIdentifier identifier) const {
+    const auto* found = window(identifier & 0x1FFFFFFFu);
+    return found != nullptr && found->identifier == identifier ? found : nullptr;
+}
+
 void X11WindowModel::tell(ChangeKind kind, const ClientWindow& window) {
+    if (kind == ChangeKind::removed) {
+        ++removals_[window.window];
+    }
     for (const auto& listener : listeners_) {
         listener(kind, window);
     }
@@ -204,6 +212,8 @@ std::optional<ProcessIdentifier> X11WindowModel::processFromResources(xcb_window
 X11WindowModel::ClientWindow X11WindowModel::read(xcb_window_t window) {
     ClientWindow client;
     client.window = window;
+    const auto removals = removals_.find(window);
+    client.identifier = window | ((removals != removals_.end() ? removals->second & 7u : 0u) << 29);
     auto& ewmh = connection_.ewmh();
     const xcb_atom_t properties[] = {
         ewmh._NET_WM_PID,     ewmh._NET_WM_NAME,        XCB_ATOM_WM_NAME,

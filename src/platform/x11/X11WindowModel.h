@@ -26,6 +26,10 @@ class X11WindowModel {
 
     struct ClientWindow {
         xcb_window_t window = 0;
+        // What the logic knows the window by: the window with a generation in the three top bits,
+        // which X identifiers never use, so that a window identifier the server hands out again
+        // soon after is not taken for the window it named before.
+        WindowIdentifier identifier = 0;
         ProcessIdentifier process = 0;
         bool hasRealProcess = false;
         std::string title;
@@ -55,6 +59,9 @@ class X11WindowModel {
     using Listener = std::function<void(ChangeKind kind, const ClientWindow& window)>;
 
     explicit X11WindowModel(X11Connection& connection);
+
+    // The window behind an identifier the model handed out, while it lives.
+    const ClientWindow* windowOf(WindowIdentifier identifier) const;
 
     // Front to back.
     const std::vector<xcb_window_t>& stackingFrontToBack() const { return stacking_; }
@@ -86,6 +93,8 @@ class X11WindowModel {
     std::uint32_t currentDesktop_ = 0;
     std::vector<Listener> listeners_;
     std::uint64_t iconGeneration_ = 0;
+    // How often each window identifier has been seen to go.
+    std::map<xcb_window_t, std::uint32_t> removals_;
 };
 
 }  // namespace orvane
