@@ -55,6 +55,9 @@ DesktopSession::DesktopSession() {
         return;
     }
     display_ = ":" + number;
+    if (const char* previous = std::getenv("DISPLAY")) {
+        previousDisplay_ = previous;
+    }
     ::setenv("DISPLAY", display_.c_str(), 1);
     ::setenv("XDG_CONFIG_HOME", (folder_ / "config").c_str(), 1);
     ::setenv("XDG_DATA_HOME", (folder_ / "data").c_str(), 1);
@@ -86,6 +89,10 @@ DesktopSession::~DesktopSession() {
     }
     stopProcess(windowManager_);
     stopProcess(server_);
+    // Another session may still run on the display it replaced.
+    if (previousDisplay_) {
+        ::setenv("DISPLAY", previousDisplay_->c_str(), 1);
+    }
     std::error_code ignored;
     if (std::getenv("ORVANE_KEEP_DESKTOP_FILES") == nullptr) {
         std::filesystem::remove_all(folder_, ignored);

@@ -92,6 +92,7 @@ class DesktopSession {
 
     std::filesystem::path folder_;
     std::string display_;
+    std::optional<std::string> previousDisplay_;
     pid_t server_ = 0;
     pid_t windowManager_ = 0;
     pid_t program_ = 0;

@@ -140,6 +140,9 @@ const X11ScreenCapture::Thumbnail* X11ScreenCapture::thumbnail(std::uint64_t ide
 std::optional<ImageHandle> X11ScreenCapture::capture(WindowIdentifier identifier, int width,
                                                      int height) {
     const auto* client = model_.windowOf(identifier);
+    if (client == nullptr) {
+        log().debug("no preview of window %{public}u: it is gone", identifier);
+    }
     if (!available_ || width <= 0 || height <= 0 || client == nullptr || client->isHidden) {
         return std::nullopt;
     }
