@@ -66,8 +66,7 @@ DesktopProgram::DesktopProgram(std::unique_ptr<X11Connection> connection)
     platform.currentProcessIdentifier =
         static_cast<ProcessIdentifier>(QCoreApplication::applicationPid());
     platform.userDefaults = std::make_shared<XdgUserDefaults>();
-    screenCapture_ =
-        std::make_shared<X11ScreenCapture>(*connection_, *model_, *screens_, runLoop);
+    screenCapture_ = std::make_shared<X11ScreenCapture>(*connection_, *model_, *screens_, runLoop);
     platform.permissions = std::make_shared<LinuxPermissions>(
         [capture = screenCapture_] { return capture->preflightScreenCaptureAccess(); });
     platform.mainRunLoop = runLoop;
@@ -178,8 +177,7 @@ QImage DesktopProgram::image(const ImageHandle& handle) {
     // Previews change with every capture: they go to the renderer as they are, never kept here.
     if (const auto* thumbnail = screenCapture_->thumbnail(handle.identifier)) {
         return QImage(reinterpret_cast<const uchar*>(thumbnail->pixels.data()), thumbnail->width,
-                      thumbnail->height, thumbnail->width * 4,
-                      QImage::Format_ARGB32_Premultiplied);
+                      thumbnail->height, thumbnail->width * 4, QImage::Format_ARGB32_Premultiplied);
     }
     if (auto name = desktopEntries_->iconName(handle.identifier)) {
         auto icon = themeIcon(*name, handle);
