@@ -188,20 +188,21 @@ std::optional<DesktopEntryCatalog::Entry> DesktopEntryCatalog::read(const std::s
     entry.startupWindowClass = text(g_desktop_app_info_get_startup_wm_class(info));
     entry.isHidden = g_desktop_app_info_get_is_hidden(info) != FALSE;
     entry.isShown = !entry.isHidden && g_app_info_should_show(application) != FALSE;
+    std::string iconName;
     if (GIcon* icon = g_app_info_get_icon(application)) {
         gchar* name = g_icon_to_string(icon);
-        entry.iconName = text(name);
+        iconName = text(name);
         g_free(name);
     }
     g_object_unref(info);
-    if (!entry.iconName.empty()) {
+    if (!iconName.empty()) {
         auto [known, isNew] = iconIdentifiers_.try_emplace(
-            entry.iconName, iconIdentifierBit | static_cast<std::uint64_t>(iconNames_.size()));
+            iconName, iconIdentifierBit | static_cast<std::uint64_t>(iconNames_.size()));
         if (isNew) {
-            iconNames_.push_back(entry.iconName);
+            iconNames_.push_back(iconName);
         }
-        entry.icon = ImageHandle{
-            known->second, iconPixelSide, iconPixelSide, "icon " + entry.iconName, 0, 0};
+        entry.icon =
+            ImageHandle{known->second, iconPixelSide, iconPixelSide, "icon " + iconName, 0, 0};
     }
     return entry;
 }

@@ -31,8 +31,7 @@ class DesktopEntryCatalog final : public FileManagerPort {
 
     struct Entry {
         std::string name;
-        // A theme icon name, or an absolute file path; empty without one.
-        std::string iconName;
+        // Its identifier names a theme icon or an absolute file path (see `iconName`).
         std::optional<ImageHandle> icon;
         std::string startupWindowClass;
         // Whether the desktop's menu lists it: not NoDisplay, not Hidden, shown in this desktop.

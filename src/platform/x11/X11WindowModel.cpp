@@ -14,6 +14,10 @@ namespace orvane {
 
 namespace {
 
+// X identifiers leave their three top bits clear: the generation of a window identifier goes there.
+constexpr std::uint32_t generationShift = 29;
+constexpr std::uint32_t generationMask = 7;
+
 const Logger& log() {
     return Logger::forCategory(LogCategory::windowenumeration);
 }
@@ -55,7 +59,7 @@ std::optional<ProcessIdentifier> X11WindowModel::frontmostProcess() const {
 }
 
 const X11WindowModel::ClientWindow* X11WindowModel::windowOf(WindowIdentifier identifier) const {
-    const auto* found = window(identifier & 0x1FFFFFFFu);
+    const auto* found = window(identifier & ~(generationMask << generationShift));
     return found != nullptr && found->identifier == identifier ? found : nullptr;
 }
 
@@ -213,7 +217,9 @@ X11WindowModel::ClientWindow X11WindowModel::read(xcb_window_t window) {
     ClientWindow client;
     client.window = window;
     const auto removals = removals_.find(window);
-    client.identifier = window | ((removals != removals_.end() ? removals->second & 7u : 0u) << 29);
+    client.identifier =
+        window |
+        ((removals != removals_.end() ? removals->second & generationMask : 0u) << generationShift);
     auto& ewmh = connection_.ewmh();
     const xcb_atom_t properties[] = {
         ewmh._NET_WM_PID,     ewmh._NET_WM_NAME,        XCB_ATOM_WM_NAME,
