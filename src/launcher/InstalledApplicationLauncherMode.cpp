@@ -5,7 +5,10 @@
 #include <unicode/unistr.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <filesystem>
+#include <limits>
+#include <numeric>
 #include <string_view>
 #include <utility>
 
@@ -61,54 +64,71 @@ InstalledApplicationLauncherMode::InstalledApplicationLauncherMode(
       collator_(makeCaseInsensitiveCollator()) {}
 
 std::vector<LauncherItem> InstalledApplicationLauncherMode::items(const std::string& query) {
-    struct ScoredApplication {
-        int score;
-        NameForms* name;
-        const ApplicationLocator* locator;
-    };
     const auto& locators = applicationLocators();
-    std::vector<ScoredApplication> matches;
-    matches.reserve(locators.size());
+    // Higher scores first, then the names' order: one number each, so the sort compares numbers.
+    auto& matches = scratch_.matches;
+    auto& matchedIndexes = scratch_.matchedIndexes;
+    auto& icons = scratch_.icons;
+    matches.clear();
+    matchedIndexes.clear();
+    icons.resize(locators.size());
     namesRead_.resize(locators.size());
     for (std::size_t index = 0; index < locators.size(); ++index) {
-        const auto& locator = locators[index];
-        auto displayName = applicationDisplayName(locator.path);
+        const auto& path = locators[index].path;
+        auto displayName = applicationDisplayName(path);
         auto& known = namesRead_[index];
         // Read again at every keystroke, but folded only when it differs from the last reading.
         if (!known || known->displayName != displayName) {
             LauncherCandidateText folded(displayName);
-            known = NameForms{std::move(displayName), std::move(folded), {}};
+            auto key = collationKey(displayName);
+            known = NameForms{std::move(displayName), std::move(folded), std::move(key)};
+            alphabetical_.clear();
         }
         if (const auto score = launcherMatchScore(query, known->folded)) {
-            matches.push_back({*score, &*known, &locator});
+            // INT_MAX - score spans 0 to 2^32 - 1: the best score is the smallest.
+            const auto fromBest = static_cast<std::uint32_t>(
+                static_cast<std::int64_t>(std::numeric_limits<int>::max()) - *score);
+            matches.push_back(std::uint64_t{fromBest} << 32);
+            matchedIndexes.push_back(static_cast<std::uint32_t>(index));
+            // Asked right after the name: the file manager finds both in one place.
+            icons[index] = fileManager_->iconForFile(path);
         }
     }
-    // Keys once per name, so the sort compares bytes rather than collating each time.
-    for (auto& match : matches) {
-        if (!match.name->collationKey) {
-            match.name->collationKey = collationKey(match.name->displayName);
-        }
+    sortNames();
+    for (std::size_t match = 0; match < matches.size(); ++match) {
+        matches[match] |= alphabeticalPosition_[matchedIndexes[match]];
     }
-    // Stable: an application listed in two folders keeps the scan's order.
-    std::stable_sort(matches.begin(), matches.end(),
-                     [](const ScoredApplication& left, const ScoredApplication& right) {
-                         if (left.score != right.score) {
-                             return left.score > right.score;
-                         }
-                         return *left.name->collationKey < *right.name->collationKey;
-                     });
+    std::sort(matches.begin(), matches.end());
 
-    std::vector<LauncherItem> result;
-    result.reserve(matches.size());
-    for (const auto& match : matches) {
-        LauncherItem item;
-        item.identifier = match.locator->path;
-        item.title = match.name->displayName;
-        item.subtitle = match.locator->parentDirectoryPath;
-        item.icon = fileManager_->iconForFile(match.locator->path);
-        result.push_back(std::move(item));
+    std::vector<LauncherItem> result(matches.size());
+    for (std::size_t position = 0; position < matches.size(); ++position) {
+        const auto index = alphabetical_[matches[position] & 0xffffffffU];
+        const auto& locator = locators[index];
+        auto& item = result[position];
+        item.identifier = locator.path;
+        item.title = namesRead_[index]->displayName;
+        item.subtitle = locator.parentDirectoryPath;
+        item.icon = std::exchange(icons[index], std::nullopt);
     }
     return result;
+}
+
+void InstalledApplicationLauncherMode::sortNames() {
+    if (alphabetical_.size() == namesRead_.size()) {
+        return;
+    }
+    // Names change rarely, so a keystroke sorts numbers; the collation keys are compared here.
+    alphabetical_.resize(namesRead_.size());
+    std::iota(alphabetical_.begin(), alphabetical_.end(), 0U);
+    // Stable: an application listed in two folders keeps the scan's order.
+    std::stable_sort(alphabetical_.begin(), alphabetical_.end(),
+                     [this](std::uint32_t left, std::uint32_t right) {
+                         return namesRead_[left]->collationKey < namesRead_[right]->collationKey;
+                     });
+    alphabeticalPosition_.resize(alphabetical_.size());
+    for (std::size_t position = 0; position < alphabetical_.size(); ++position) {
+        alphabeticalPosition_[alphabetical_[position]] = static_cast<std::uint32_t>(position);
+    }
 }
 
 void InstalledApplicationLauncherMode::activate(const LauncherItem& item) {
@@ -156,6 +176,7 @@ InstalledApplicationLauncherMode::applicationLocators() {
     cacheScanDate_ = now;
     // Names of applications gone since are forgotten with the list they came from.
     namesRead_.clear();
+    alphabetical_.clear();
     log_.info("scanned %{public}ld installed applications",
               static_cast<long>(cachedApplicationLocators_.size()));
     return cachedApplicationLocators_;

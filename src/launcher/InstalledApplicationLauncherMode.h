@@ -5,6 +5,7 @@
 
 #include <unicode/coll.h>
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -79,9 +80,21 @@ class InstalledApplicationLauncherMode final : public LauncherMode {
     struct NameForms {
         std::string displayName;
         LauncherCandidateText folded;
-        std::optional<std::string> collationKey;
+        std::string collationKey;
     };
     std::vector<std::optional<NameForms>> namesRead_;
+    // The indexes of the read names in the locale's order, scan order among equal names, and the
+    // place of each in that order; empty when a name changed since they were made.
+    std::vector<std::uint32_t> alphabetical_;
+    std::vector<std::uint32_t> alphabeticalPosition_;
+    void sortNames();
+    // Kept from one keystroke to the next, so that a keystroke allocates only what it returns.
+    struct Scratch {
+        std::vector<std::uint64_t> matches;
+        std::vector<std::uint32_t> matchedIndexes;
+        // By locator; each one taken is left empty.
+        std::vector<std::optional<ImageHandle>> icons;
+    } scratch_;
 };
 
 }  // namespace orvane

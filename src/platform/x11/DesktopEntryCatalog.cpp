@@ -6,10 +6,10 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdio>
 #include <filesystem>
 
 #include "core/Logger.h"
-
 namespace orvane {
 
 namespace {
@@ -128,13 +128,34 @@ std::optional<std::vector<std::string>> DesktopEntryCatalog::contentsOfDirectory
 }
 
 std::string DesktopEntryCatalog::displayName(const std::string& path) const {
-    const auto* found = path.ends_with(entrySuffix) ? knownEntry(path) : nullptr;
+    const auto* found = path.ends_with(entrySuffix) ? asked(path) : nullptr;
     return found != nullptr && !found->name.empty() ? found->name : files_.displayName(path);
 }
 
 std::optional<ImageHandle> DesktopEntryCatalog::iconForFile(const std::string& path) const {
-    const auto* found = path.ends_with(entrySuffix) ? knownEntry(path) : nullptr;
+    const auto* found = path.ends_with(entrySuffix) ? asked(path) : nullptr;
     return found != nullptr ? found->icon : std::nullopt;
+}
+
+const DesktopEntryCatalog::Asked* DesktopEntryCatalog::asked(const std::string& path) const {
+    if (nextAsked_ < asked_.size() && asked_[nextAsked_].path == path) {
+        return &asked_[nextAsked_++];
+    }
+    // Its name, then its icon.
+    if (nextAsked_ > 0 && asked_[nextAsked_ - 1].path == path) {
+        return &asked_[nextAsked_ - 1];
+    }
+    if (!entries_.contains(path)) {
+        entry(path);
+    }
+    auto& known = entries_.find(path)->second;
+    if (known.askedAt >= asked_.size() || asked_[known.askedAt].path != path) {
+        known.askedAt = asked_.size();
+        asked_.push_back(known.entry ? Asked{path, known.entry->name, known.entry->icon}
+                                     : Asked{path, {}, std::nullopt});
+    }
+    nextAsked_ = known.askedAt + 1;
+    return &asked_[known.askedAt];
 }
 
 const DesktopEntryCatalog::Entry* DesktopEntryCatalog::entry(const std::string& path) const {
@@ -151,6 +172,8 @@ const DesktopEntryCatalog::Entry* DesktopEntryCatalog::entry(const std::string& 
         log().debug("skipped desktop entry %{public}s: it cannot be read", path);
     }
     auto& stored = entries_.insert_or_assign(path, std::move(known)).first->second;
+    asked_.clear();
+    nextAsked_ = 0;
     return stored.entry ? &*stored.entry : nullptr;
 }
 

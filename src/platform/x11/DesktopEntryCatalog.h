@@ -71,6 +71,16 @@ class DesktopEntryCatalog final : public FileManagerPort {
         std::int64_t modified = 0;
         off_t size = 0;
         std::optional<Entry> entry;
+        // Its place in `asked_`, if it still holds it.
+        std::size_t askedAt = 0;
+    };
+    // What a keystroke asks of an entry. The applications mode asks for every name, in the same
+    // order, at each keystroke: reading these in that order costs far less than hashing each path
+    // into `entries_`, whose nodes lie all over the heap.
+    struct Asked {
+        std::string path;
+        std::string name;
+        std::optional<ImageHandle> icon;
     };
     struct Listing {
         std::int64_t modified = -1;
@@ -81,6 +91,9 @@ class DesktopEntryCatalog final : public FileManagerPort {
     const Entry* entry(const std::string& path) const;
     // The entry as last read, read only when never read before: no system call per keystroke.
     const Entry* knownEntry(const std::string& path) const;
+    // Entries in the order they were first asked for since one was last read; the next one asked
+    // is most often the one after the last.
+    const Asked* asked(const std::string& path) const;
     std::optional<Entry> read(const std::string& path) const;
     // The listings of the directories, looked at again at most once a second.
     const std::vector<Listing>& listings();
@@ -89,6 +102,8 @@ class DesktopEntryCatalog final : public FileManagerPort {
     std::vector<std::string> directories_;
     PosixFileManager files_;
     mutable std::unordered_map<std::string, Known> entries_;
+    mutable std::vector<Asked> asked_;
+    mutable std::size_t nextAsked_ = 0;
     mutable std::vector<std::string> iconNames_;
     mutable std::map<std::string, std::uint64_t> iconIdentifiers_;
     std::vector<Listing> listings_;

@@ -86,6 +86,9 @@ QtOverlayPanel::QtOverlayPanel(Environment environment, QtOverlayRenderer render
     // The window is mapped out of sight now, so the first gesture pays no map.
     surface_->move(offscreen, offscreen);
     surface_->show();
+    pendingRebuild_.setSingleShot(true);
+    pendingRebuild_.setInterval(0);
+    QObject::connect(&pendingRebuild_, &QTimer::timeout, [this] { rebuildNow(); });
 }
 
 QtOverlayPanel::~QtOverlayPanel() {
@@ -142,6 +145,12 @@ void QtOverlayPanel::rehearse() {
 }
 
 void QtOverlayPanel::rebuild() {
+    if (visible_ && !pendingRebuild_.isActive()) {
+        pendingRebuild_.start();
+    }
+}
+
+void QtOverlayPanel::rebuildNow() {
     if (!visible_ || !viewModel_ || !builder_) {
         return;
     }
@@ -149,7 +158,7 @@ void QtOverlayPanel::rebuild() {
     const auto changed = QtOverlayRenderer::changedRegion(surface_->data, data);
     surface_->data = std::move(data);
     if (!changed.isEmpty()) {
-        surface_->update(changed);
+        surface_->repaint(changed);
     }
 }
 
@@ -181,14 +190,8 @@ void QtOverlayPanel::orderFrontRegardless() {
     }
     // Painted while still out of sight, and only where it differs from the last gesture's
     // picture, which the panel still holds.
-    if (viewModel_ && builder_) {
-        auto data = builder_->build(*viewModel_, size_);
-        const auto changed = QtOverlayRenderer::changedRegion(surface_->data, data);
-        surface_->data = std::move(data);
-        if (!changed.isEmpty()) {
-            surface_->repaint(changed);
-        }
-    }
+    pendingRebuild_.stop();
+    rebuildNow();
     place(onScreen_);
 }
 
@@ -220,6 +223,7 @@ void QtOverlayPanel::place(QPoint position) {
 
 void QtOverlayPanel::orderOut() {
     visible_ = false;
+    pendingRebuild_.stop();
     // The window coming forward is asked for after this, in the same key event. The panel leaves
     // once the window manager has brought it: the screen goes from the overlay straight to the
     // result, and the window manager doesn't wait behind the redrawing of all that the panel

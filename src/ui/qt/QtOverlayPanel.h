@@ -5,6 +5,7 @@
 // showing it is a move, not a map.
 #pragma once
 
+#include <QTimer>
 #include <QWidget>
 #include <functional>
 #include <memory>
@@ -50,7 +51,10 @@ class QtOverlayPanel final : public OverlayPanelPort {
   private:
     class Surface;
 
+    // The model changes a field at a time within one event: the picture is built once, when the
+    // event is over.
     void rebuild();
+    void rebuildNow();
     void rehearse();
     // Moves the panel's window there, above all others; on the screen its picture goes up with it.
     void place(QPoint position);
@@ -64,6 +68,7 @@ class QtOverlayPanel final : public OverlayPanelPort {
     Size size_;
     QPoint onScreen_;
     bool visible_ = false;
+    QTimer pendingRebuild_;
 };
 
 }  // namespace orvane
