@@ -20,6 +20,7 @@
 #include "platform/x11/GioApplicationLauncher.h"
 #include "platform/x11/X11ScreenCapture.h"
 #include "platform/x11/X11WindowList.h"
+#include "platform/x11/XdgAutostartLoginItem.h"
 #include "ui/qt/LinuxPermissions.h"
 #include "ui/qt/QtApplicationObject.h"
 #include "ui/qt/QtPasteboard.h"
@@ -96,6 +97,9 @@ DesktopProgram::DesktopProgram(std::unique_ptr<X11Connection> connection)
     platform.systemInformation = std::make_shared<LinuxSystemInformation>();
     platform.pasteboard = std::make_shared<QtPasteboard>();
     platform.urlComponents = std::make_shared<QtUrlComponents>();
+    platform.loginItem = std::make_shared<XdgAutostartLoginItem>(
+        XdgAutostartLoginItem::standardEntryFile(),
+        QCoreApplication::applicationFilePath().toStdString());
     platform.supportAddress = supportEmailAddress;
 
     app_ = std::make_unique<OrvaneApp>(std::move(platform));

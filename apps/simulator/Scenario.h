@@ -85,7 +85,7 @@ struct KeyEventStep {
 
 // Prints something of the program's state into the transcript.
 struct PrintStep {
-    enum class Subject { desktop, overlay, welcome, program, defaults };
+    enum class Subject { desktop, overlay, welcome, program, defaults, menu, settings };
     Subject subject = Subject::desktop;
 };
 
@@ -152,6 +152,27 @@ struct WelcomeWindowStep {
     PermissionCapability capability = PermissionCapability::accessibility;
 };
 
+// The user chooses an entry of the menu of the program's icon, by its text.
+struct MenuStep {
+    std::string entry;
+};
+// What the user does in the open Settings window: a control of the pane on screen by its label,
+// a tab, or the title bar's close button.
+struct SettingsControlStep {
+    enum class Kind { toggle, pick, press, tab, close };
+    Kind kind = Kind::press;
+    std::string label{};
+    bool isOn = false;
+    std::string segment{};
+    SettingsPane pane = SettingsPane::general;
+};
+// Whether the system takes the login item's changes, and whether the updater can check now.
+struct LoginItemStep {
+    bool refuses = false;
+};
+struct UpdaterStep {
+    bool canCheck = true;
+};
 // Sets which log lines reach the transcript from here on.
 struct LogLevelStep {
     LogLevel minimumLevel = LogLevel::info;
@@ -169,7 +190,7 @@ struct ScenarioStep {
                      SetPreferencesStep, KeyEventStep, PrintStep, LogLevelStep, NoteStep,
                      InstallApplicationStep, PermissionStep, StartProgramStep,
                      StoredPreferencesStep, SystemEventStep, ProgramActionStep, OpenSettingsStep,
-                     WelcomeWindowStep>;
+                     WelcomeWindowStep, MenuStep, SettingsControlStep, LoginItemStep, UpdaterStep>;
     int lineNumber = 0;
     Action action;
 };

@@ -349,8 +349,15 @@ class LineParser {
             if (attributes.positional() == std::vector<std::string>{"defaults"}) {
                 return PrintStep{PrintStep::Subject::defaults};
             }
+            if (attributes.positional() == std::vector<std::string>{"menu"}) {
+                return PrintStep{PrintStep::Subject::menu};
+            }
+            if (attributes.positional() == std::vector<std::string>{"settings"}) {
+                return PrintStep{PrintStep::Subject::settings};
+            }
             throw LineError(
-                "\"print\" takes what to print: desktop, overlay, welcome, program or defaults");
+                "\"print\" takes what to print: desktop, overlay, welcome, program, defaults, "
+                "menu or settings");
         }
         if (word == "installed") {
             return parseInstalled(tokens);
@@ -386,9 +393,26 @@ class LineParser {
             return ProgramActionStep{*kind};
         }
         if (word == "settings") {
-            const auto pane = onlyWord(tokens, {"general", "shortcuts", "about"});
             needProgram(word);
-            return OpenSettingsStep{*settingsPaneFromRawValue(pane)};
+            return parseSettings(tokens);
+        }
+        if (word == "menu") {
+            needProgram(word);
+            Attributes attributes(tokens, {});
+            const auto& words = attributes.positional();
+            if (words.size() != 2 || words.front() != "choose") {
+                throw LineError("\"menu\" takes choose and an entry's quoted text");
+            }
+            if (words.back() == "Quit Orvane") {
+                programState_ = ProgramState::quit;
+            }
+            return MenuStep{words.back()};
+        }
+        if (word == "login-item") {
+            return LoginItemStep{onlyWord(tokens, {"accepts", "refuses"}) == "refuses"};
+        }
+        if (word == "updater") {
+            return UpdaterStep{onlyWord(tokens, {"can-check", "busy"}) == "can-check"};
         }
         if (word == "welcome") {
             return parseWelcome(tokens);
@@ -749,6 +773,39 @@ class LineParser {
     }
 
     enum class ProgramState { notStarted, startedImplicitly, started, quit };
+
+    // A pane opens the window on it; the other forms act in the window that is open.
+    static ScenarioStep::Action parseSettings(const std::vector<Token>& tokens) {
+        using Kind = SettingsControlStep::Kind;
+        Attributes attributes(tokens, {});
+        const auto& words = attributes.positional();
+        const auto count = words.size();
+        if (count == 1) {
+            if (const auto pane = settingsPaneFromRawValue(words[0])) {
+                return OpenSettingsStep{*pane};
+            }
+            if (words[0] == "close") {
+                return SettingsControlStep{Kind::close};
+            }
+        }
+        if (count == 2 && words[0] == "tab") {
+            if (const auto pane = settingsPaneFromRawValue(words[1])) {
+                return SettingsControlStep{Kind::tab, {}, false, {}, *pane};
+            }
+        }
+        if (count == 2 && words[0] == "press") {
+            return SettingsControlStep{Kind::press, words[1]};
+        }
+        if (count == 3 && words[0] == "toggle" && (words[2] == "on" || words[2] == "off")) {
+            return SettingsControlStep{Kind::toggle, words[1], words[2] == "on"};
+        }
+        if (count == 3 && words[0] == "pick") {
+            return SettingsControlStep{Kind::pick, words[1], false, words[2]};
+        }
+        throw LineError(
+            "\"settings\" takes a pane (general, shortcuts or about), close, tab and a pane, "
+            "press \"title\", toggle \"label\" on|off, or pick \"label\" \"segment\"");
+    }
 
     // The one positional word of a directive without attributes, out of `allowed` (none: no word).
     static std::string onlyWord(const std::vector<Token>& tokens,

@@ -66,7 +66,8 @@ SimulatedMachine::SimulatedMachine()
       bundle(std::make_shared<SimulatedBundle>()),
       systemInformation(std::make_shared<SimulatedSystemInformation>()),
       pasteboard(std::make_shared<SimulatedPasteboard>()),
-      urlComponents(std::make_shared<SimulatedUrlComponents>()) {
+      urlComponents(std::make_shared<SimulatedUrlComponents>()),
+      loginItem(std::make_shared<SimulatedLoginItem>()) {
     fileSystem->createApplicationFolders();
     applicationLauncher->launchEffect =
         [desktop = std::weak_ptr<SimulatedDesktop>(desktop)](const std::string& path) {
@@ -109,6 +110,7 @@ OrvaneApplicationDelegate::Platform SimulatedMachine::platform() const {
     platform.systemInformation = systemInformation;
     platform.pasteboard = pasteboard;
     platform.urlComponents = urlComponents;
+    platform.loginItem = loginItem;
     platform.supportAddress = supportEmailAddress;
     return platform;
 }

@@ -11,6 +11,7 @@
 #include "platform/simulated/SimulatedBundle.h"
 #include "platform/simulated/SimulatedDesktop.h"
 #include "platform/simulated/SimulatedFileSystem.h"
+#include "platform/simulated/SimulatedLoginItem.h"
 #include "platform/simulated/SimulatedNotificationCenter.h"
 #include "platform/simulated/SimulatedOverlayPanel.h"
 #include "platform/simulated/SimulatedPasteboard.h"
@@ -55,6 +56,7 @@ class SimulatedMachine {
     std::shared_ptr<SimulatedSystemInformation> systemInformation;
     std::shared_ptr<SimulatedPasteboard> pasteboard;
     std::shared_ptr<SimulatedUrlComponents> urlComponents;
+    std::shared_ptr<SimulatedLoginItem> loginItem;
 };
 
 }  // namespace orvane::simulator

@@ -7,6 +7,7 @@
 
 #include "TranscriptLogSink.h"
 #include "WindowDescription.h"
+#include "app/SettingsTextRenderer.h"
 #include "overlay/FixedAdvanceOverlayTextMeasurer.h"
 #include "overlay/OverlayTextRenderer.h"
 #include "overlay/OverlayViewBuilder.h"
@@ -81,6 +82,9 @@ SimulatedProgram::SimulatedProgram(Transcript& transcript, TranscriptLogSink& lo
 
 SimulatedProgram::~SimulatedProgram() {
     machine_.applicationNotifications->removeObserver(*settingsRouteObservation_);
+    if (windowCloseObservation_) {
+        machine_.applicationNotifications->removeObserver(*windowCloseObservation_);
+    }
     if (app_ && !app_->hasTerminated()) {
         // The transcript has ended; the process goes without its teardown being told.
         logSink_.mute();
@@ -96,6 +100,28 @@ void SimulatedProgram::start() {
     auto before = observe();
     before.activationPolicy = machine_.application->activationPolicy();
     app_ = std::make_unique<OrvaneApp>(machine_.platform());
+    machine_.application->setSettingsWindowOpener([this] { openSettingsWindow(); });
+    machine_.application->setTerminationHandler([this] {
+        if (!app_->hasTerminated()) {
+            app_->terminate();
+        }
+    });
+    // Drawn as a window draws it: the pane on screen reads its content at each redraw.
+    const auto& settings = app_->settingsView();
+    for (const auto pane : allSettingsPanes) {
+        settings->pane(pane).redraws().subscribe([this, pane](const std::uint64_t&) {
+            const auto& view = app_->settingsView();
+            if (isSettingsWindowOpen() && view->selectedPane().value() == pane) {
+                view->pane(pane).content();
+            }
+        });
+    }
+    windowCloseObservation_ = machine_.applicationNotifications->addObserver(
+        windowWillCloseNotification, [this](const PlatformNotification& notification) {
+            if (settingsWindow_ && notification.object == *settingsWindow_) {
+                app_->settingsView()->windowDidHide();
+            }
+        });
     app_->finishLaunching();
     settle();
     reportChanges(before, observe());
@@ -138,7 +164,12 @@ SimulatedProgram::Observation SimulatedProgram::observe() const {
         observation.overlay =
             describeOverlay(*machine_.overlayPanel, *program->overlayCoordinator()->viewModel());
         observation.activationPolicy = machine_.application->activationPolicy();
+        observation.menuBarIconShown = app_->menuBarScene().isInserted().value();
+        if (isSettingsWindowOpen()) {
+            observation.settingsWindow = machine_.application->window(*settingsWindow_)->title;
+        }
     }
+    observation.aboutPanels = machine_.application->aboutPanels().size();
     observation.openedURLs = machine_.permissions->openedURLs().size();
     observation.launchedApplications = machine_.applicationLauncher->launchCount();
     observation.beeps = machine_.sound->beepCount();
@@ -166,6 +197,19 @@ void SimulatedProgram::reportChanges(const Observation& before, const Observatio
                            after.pasteboard
                                ? std::to_string(after.pasteboard->size()) + " bytes of text"
                                : std::string("empty"));
+    }
+    if (before.settingsWindow != after.settingsWindow) {
+        transcript_.effect("settings", after.settingsWindow.empty()
+                                           ? std::string("window closed")
+                                           : "window \"" + after.settingsWindow + "\"");
+    }
+    if (before.menuBarIconShown && before.menuBarIconShown != after.menuBarIconShown) {
+        transcript_.effect("menu bar", *after.menuBarIconShown ? "icon shown" : "icon hidden");
+    }
+    for (auto index = before.aboutPanels; index < after.aboutPanels; ++index) {
+        const auto& icon = machine_.application->aboutPanels()[index];
+        transcript_.effect("application", icon ? "about panel with " + icon->description
+                                               : std::string("about panel without options"));
     }
     if (before.activationPolicy && before.activationPolicy != after.activationPolicy) {
         transcript_.effect("application",
@@ -317,6 +361,14 @@ void SimulatedProgram::perform(int lineNumber, const PrintStep& step) {
             transcript_.headline(lineNumber, "print program");
             printProgram();
             return;
+        case PrintStep::Subject::menu:
+            transcript_.headline(lineNumber, "print menu");
+            printMenu();
+            return;
+        case PrintStep::Subject::settings:
+            transcript_.headline(lineNumber, "print settings");
+            printSettings();
+            return;
         case PrintStep::Subject::defaults: {
             transcript_.headline(lineNumber, "print defaults");
             auto stored = machine_.userDefaults->dataForKey(preferencesDefaultsKey);
@@ -438,6 +490,138 @@ void SimulatedProgram::perform(int lineNumber, const OpenSettingsStep& step) {
     openSettingsPane(
         step.pane, *machine_.applicationNotifications, [application] { application->activate(); },
         [application] { return application->showSettingsWindow(); });
+}
+
+void SimulatedProgram::perform(int lineNumber, const MenuStep& step) {
+    transcript_.headline(lineNumber, "menu choose \"" + step.entry + "\"");
+    auto& menu = app_->menuBarScene().content();
+    for (const auto& entry : menu.entries()) {
+        if (entry.text != step.entry) {
+            continue;
+        }
+        if (entry.kind != MenuEntryKind::button || !entry.isEnabled) {
+            transcript_.effect("menu", "\"" + step.entry + "\" cannot be chosen");
+            return;
+        }
+        menu.choose(entry.action);
+        return;
+    }
+    transcript_.effect("menu", "no entry \"" + step.entry + "\"");
+}
+
+void SimulatedProgram::perform(int lineNumber, const SettingsControlStep& step) {
+    using Kind = SettingsControlStep::Kind;
+    const auto& view = app_->settingsView();
+    auto& pane = view->pane(view->selectedPane().value());
+    std::string headline = "settings ";
+    bool handled = isSettingsWindowOpen();
+    switch (step.kind) {
+        case Kind::toggle:
+            transcript_.headline(lineNumber, headline + "toggle \"" + step.label + "\" " +
+                                                 (step.isOn ? "on" : "off"));
+            handled = handled && pane.setToggle(step.label, step.isOn);
+            break;
+        case Kind::pick: {
+            transcript_.headline(lineNumber,
+                                 headline + "pick \"" + step.label + "\" \"" + step.segment + "\"");
+            std::optional<std::size_t> segment;
+            for (const auto& section : pane.content().sections) {
+                for (const auto& row : section.rows) {
+                    const auto* picker = std::get_if<PanePicker>(&row);
+                    if (picker == nullptr || picker->label != step.label) {
+                        continue;
+                    }
+                    const auto found =
+                        std::find(picker->segments.begin(), picker->segments.end(), step.segment);
+                    if (found != picker->segments.end()) {
+                        segment = static_cast<std::size_t>(found - picker->segments.begin());
+                    }
+                }
+            }
+            handled = handled && segment && pane.pick(step.label, *segment);
+            break;
+        }
+        case Kind::press:
+            transcript_.headline(lineNumber, headline + "press \"" + step.label + "\"");
+            handled = handled && pane.press(step.label);
+            break;
+        case Kind::tab:
+            transcript_.headline(lineNumber, headline + "tab " + std::string(rawValue(step.pane)));
+            if (handled) {
+                view->select(step.pane);
+            }
+            break;
+        case Kind::close:
+            transcript_.headline(lineNumber, headline + "close");
+            if (handled) {
+                machine_.application->userClose(*settingsWindow_);
+            }
+            break;
+    }
+    if (!handled) {
+        transcript_.effect("settings",
+                           isSettingsWindowOpen() ? "no such enabled control" : "no window open");
+    }
+}
+
+void SimulatedProgram::perform(int lineNumber, const LoginItemStep& step) {
+    transcript_.headline(lineNumber, step.refuses ? "login-item refuses" : "login-item accepts");
+    machine_.loginItem->setFailure(
+        step.refuses ? std::optional<std::string>("Operation not permitted") : std::nullopt);
+}
+
+void SimulatedProgram::perform(int lineNumber, const UpdaterStep& step) {
+    transcript_.headline(lineNumber, step.canCheck ? "updater can-check" : "updater busy");
+    machine_.updater->setCanCheckForUpdates(step.canCheck);
+}
+
+void SimulatedProgram::openSettingsWindow() {
+    const auto& view = app_->settingsView();
+    if (!settingsWindow_) {
+        using namespace window_style_mask;
+        settingsWindow_ = machine_.application->addWindow(
+            view->title(), titled | closable | miniaturizable, false, true);
+        view->attach(settingsWindow_);
+    } else {
+        machine_.application->makeKeyAndOrderFront(*settingsWindow_);
+    }
+    view->windowDidShow();
+}
+
+bool SimulatedProgram::isSettingsWindowOpen() const {
+    if (!settingsWindow_) {
+        return false;
+    }
+    const auto window = machine_.application->window(*settingsWindow_);
+    return window && window->isVisible;
+}
+
+void SimulatedProgram::printMenu() {
+    auto& scene = app_->menuBarScene();
+    transcript_.effect("menu", "\"" + scene.title() + "\" icon " + scene.imageName() +
+                                   (scene.isInserted().value() ? ", shown" : ", hidden"));
+    for (const auto& line : SettingsTextRenderer::menuLines(scene.content().entries())) {
+        transcript_.effect("menu", line);
+    }
+}
+
+void SimulatedProgram::printSettings() {
+    if (!isSettingsWindowOpen()) {
+        transcript_.effect("settings", "no window open");
+        return;
+    }
+    const auto& view = app_->settingsView();
+    std::string tabs;
+    for (const auto& tab : SettingsView::tabs) {
+        tabs += tab.pane == view->selectedPane().value() ? std::string(" [") + tab.title + "]"
+                                                         : std::string(" ") + tab.title;
+    }
+    transcript_.effect("settings", "\"" + machine_.application->window(*settingsWindow_)->title +
+                                       "\", tabs" + tabs);
+    for (const auto& line :
+         SettingsTextRenderer::paneLines(view->pane(view->selectedPane().value()).content())) {
+        transcript_.effect("settings", line);
+    }
 }
 
 void SimulatedProgram::perform(int lineNumber, const WelcomeWindowStep& step) {

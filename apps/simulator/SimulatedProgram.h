@@ -42,6 +42,10 @@ class SimulatedProgram {
         std::size_t launchedApplications = 0;
         std::size_t beeps = 0;
         std::optional<std::string> pasteboard;
+        // The Settings window's title while it is open; empty when it is not.
+        std::string settingsWindow;
+        std::optional<bool> menuBarIconShown;
+        std::size_t aboutPanels = 0;
     };
 
     void perform(int lineNumber, const LaunchStep& step);
@@ -66,6 +70,10 @@ class SimulatedProgram {
     void perform(int lineNumber, const ProgramActionStep& step);
     void perform(int lineNumber, const OpenSettingsStep& step);
     void perform(int lineNumber, const WelcomeWindowStep& step);
+    void perform(int lineNumber, const MenuStep& step);
+    void perform(int lineNumber, const SettingsControlStep& step);
+    void perform(int lineNumber, const LoginItemStep& step);
+    void perform(int lineNumber, const UpdaterStep& step);
 
     OrvaneApplicationDelegate* delegate() const;
     Observation observe() const;
@@ -75,6 +83,11 @@ class SimulatedProgram {
     void printOverlay();
     void printWelcome();
     void printProgram();
+    void printMenu();
+    void printSettings();
+    // The platform's Settings scene: one window, built at its first opening and shown again after.
+    void openSettingsWindow();
+    bool isSettingsWindowOpen() const;
     // Lets the desktop deliver what the step caused.
     void settle();
 
@@ -83,6 +96,8 @@ class SimulatedProgram {
     SimulatedMachine machine_;
     std::shared_ptr<SimulatedDesktop> desktop_;
     std::optional<NotificationObservationToken> settingsRouteObservation_;
+    std::optional<NotificationObservationToken> windowCloseObservation_;
+    std::optional<PlatformWindowHandle> settingsWindow_;
     // Last, so that the program goes before the desktop it runs on.
     std::unique_ptr<OrvaneApp> app_;
 };

@@ -7,14 +7,13 @@
 #include <utility>
 #include <vector>
 
+#include "app/BundleInfo.h"
 #include "core/Logger.h"
 #include "permissions/PermissionStatusCoordinator.h"
 
 namespace orvane {
 
 namespace {
-
-constexpr std::string_view missingValue = "—";
 
 // The form the user fills in above the environment block; the rule ends it on its own line.
 std::string bugReportFormHead() {
@@ -55,17 +54,6 @@ BugReportComposer::BugReportComposer(
       urlComponents_(std::move(urlComponents)),
       supportAddress_(std::move(supportAddress)) {}
 
-std::string BugReportComposer::applicationVersion() const {
-    const auto textValue = [this](const char* key) {
-        const auto value = bundle_->objectForInfoDictionaryKey(key);
-        if (value && value->text() != nullptr) {
-            return *value->text();
-        }
-        return std::string(missingValue);
-    };
-    return textValue("CFBundleShortVersionString") + " (" + textValue("CFBundleVersion") + ")";
-}
-
 std::string BugReportComposer::hardwareModel() const {
     std::size_t size = 0;
     if (systemInformation_->sysctlByName("hw.model", nullptr, &size) != 0 || size < 1) {
@@ -81,7 +69,7 @@ std::string BugReportComposer::hardwareModel() const {
 
 std::string BugReportComposer::diagnosticsText() const {
     std::string text = "Environment (no personal information):\n";
-    text += "App:      Orvane " + applicationVersion() + "\n";
+    text += "App:      Orvane " + applicationVersionText(*bundle_) + "\n";
     text += "macOS:    " + systemInformation_->operatingSystemVersionString() + "\n";
     text += "Hardware: " + hardwareModel();
     for (auto capability : allPermissionCapabilities) {

@@ -32,7 +32,6 @@ class BugReportComposer {
     void copyDiagnosticsToClipboard();
 
   private:
-    std::string applicationVersion() const;
     std::string hardwareModel() const;
 
     std::shared_ptr<PermissionStatusProviding> permissionStatusProviding_;

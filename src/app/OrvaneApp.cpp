@@ -5,8 +5,33 @@
 namespace orvane {
 
 OrvaneApp::OrvaneApp(OrvaneApplicationDelegate::Platform platform)
-    : applicationNotifications_(platform.applicationNotifications),
-      delegate_(OrvaneApplicationDelegate::make(std::move(platform))) {}
+    : applicationNotifications_(platform.applicationNotifications) {
+    const auto application = platform.application;
+    const auto permissions = platform.permissions;
+    SettingsView::Dependencies settings{.loginItem = platform.loginItem,
+                                        .bundle = platform.bundle,
+                                        .mainRunLoop = platform.mainRunLoop,
+                                        .application = application,
+                                        .applicationNotifications = applicationNotifications_};
+    delegate_ = OrvaneApplicationDelegate::make(std::move(platform));
+    std::weak_ptr<OrvaneApplicationDelegate> weakDelegate = delegate_;
+    settings.preferencesProvider = delegate_->preferencesStore();
+    settings.permissionStatusProviding = delegate_->permissionStatusCoordinator();
+    settings.softwareUpdateService = delegate_->softwareUpdateService();
+    settings.showWelcomeWindow = [weakDelegate] {
+        if (auto delegate = weakDelegate.lock()) {
+            delegate->showWelcomeWindow();
+        }
+    };
+    settingsView_ = SettingsView::make(std::move(settings));
+    menuBarScene_ = std::make_unique<MenuBarScene>(
+        delegate_->preferencesStore(),
+        std::make_unique<MenuContent>(
+            [application] { application->showSettingsWindow(); },
+            delegate_->permissionStatusCoordinator(), delegate_->softwareUpdateService(),
+            delegate_->bugReportComposer(), application,
+            [permissions](const std::string& url) { permissions->openURL(url); }));
+}
 
 OrvaneApp::~OrvaneApp() {
     if (didBecomeActiveObservation_) {

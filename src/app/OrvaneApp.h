@@ -1,11 +1,14 @@
 // The application's top-level type: creates the one application delegate over the platform and
-// routes the application object's lifecycle to it, as the toolkit's delegate adaptor does.
+// routes the application object's lifecycle to it, as the toolkit's delegate adaptor does. Its two
+// scenes are the menu bar's icon with its menu, and the Settings window's root view.
 #pragma once
 
 #include <memory>
 #include <optional>
 
+#include "app/MenuBarScene.h"
 #include "app/OrvaneApplicationDelegate.h"
+#include "app/SettingsView.h"
 
 namespace orvane {
 
@@ -25,10 +28,15 @@ class OrvaneApp {
     bool hasTerminated() const { return hasTerminated_; }
 
     const std::shared_ptr<OrvaneApplicationDelegate>& delegate() const { return delegate_; }
+    MenuBarScene& menuBarScene() { return *menuBarScene_; }
+    // Built with the application, so that it hears every open-settings notification.
+    const std::shared_ptr<SettingsView>& settingsView() const { return settingsView_; }
 
   private:
     std::shared_ptr<NotificationCenterPort> applicationNotifications_;
     std::shared_ptr<OrvaneApplicationDelegate> delegate_;
+    std::shared_ptr<SettingsView> settingsView_;
+    std::unique_ptr<MenuBarScene> menuBarScene_;
     std::optional<NotificationObservationToken> didBecomeActiveObservation_;
     bool hasTerminated_ = false;
 };

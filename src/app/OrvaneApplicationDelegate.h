@@ -25,6 +25,7 @@
 #include "platform/DynamicLibraryPort.h"
 #include "platform/EventTapPort.h"
 #include "platform/FileManagerPort.h"
+#include "platform/LoginItemPort.h"
 #include "platform/NotificationCenterPort.h"
 #include "platform/OverlayPanelPort.h"
 #include "platform/PasteboardPort.h"
@@ -78,6 +79,7 @@ class OrvaneApplicationDelegate final
         std::shared_ptr<SystemInformationPort> systemInformation;
         std::shared_ptr<PasteboardPort> pasteboard;
         std::shared_ptr<UrlComponentsPort> urlComponents;
+        std::shared_ptr<LoginItemPort> loginItem;
         std::string supportAddress;
     };
 

@@ -5,10 +5,12 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "platform/HostedView.h"
+#include "platform/ImageHandle.h"
 #include "platform/RunningApplication.h"
 
 namespace orvane {
@@ -36,6 +38,12 @@ class ApplicationPort {
     virtual void activate() = 0;
     // Sends the show-settings action; answers whether a responder handled it.
     virtual bool showSettingsWindow() = 0;
+    // The standard About panel, with `applicationIcon` as its image when given.
+    virtual void orderFrontStandardAboutPanel(std::optional<ImageHandle> applicationIcon) = 0;
+    // One of the program's own images by name; nothing when it has none of that name.
+    virtual std::optional<ImageHandle> imageNamed(const std::string& name) const = 0;
+    // Asks the application to quit; the program's termination follows on a later turn.
+    virtual void terminate() = 0;
 
     // A new, not yet visible window hosting `content`.
     virtual PlatformWindowHandle makeWindow(std::shared_ptr<HostedView> content) = 0;

@@ -1,5 +1,6 @@
 #include "platform/simulated/SimulatedApplicationObject.h"
 
+#include <iterator>
 #include <utility>
 
 namespace orvane {
@@ -39,7 +40,39 @@ void SimulatedApplicationObject::activate() {
 
 bool SimulatedApplicationObject::showSettingsWindow() {
     ++showSettingsWindowCount_;
+    if (showSettingsWindowResult_ && settingsWindowOpener_) {
+        settingsWindowOpener_();
+    }
     return showSettingsWindowResult_;
+}
+
+void SimulatedApplicationObject::orderFrontStandardAboutPanel(
+    std::optional<ImageHandle> applicationIcon) {
+    aboutPanels_.push_back(std::move(applicationIcon));
+}
+
+std::optional<ImageHandle> SimulatedApplicationObject::imageNamed(const std::string& name) const {
+    const auto found = imageNames_.find(name);
+    if (found == imageNames_.end()) {
+        return std::nullopt;
+    }
+    ImageHandle image;
+    image.identifier = static_cast<std::uint64_t>(std::distance(imageNames_.begin(), found)) + 1;
+    image.pixelWidth = image.pixelHeight = 512;
+    image.description = name;
+    return image;
+}
+
+void SimulatedApplicationObject::terminate() {
+    ++terminationRequests_;
+    if (!terminationHandler_) {
+        return;
+    }
+    if (runLoop_) {
+        runLoop_->post(terminationHandler_);
+    } else {
+        terminationHandler_();
+    }
 }
 
 PlatformWindowHandle SimulatedApplicationObject::makeWindow(std::shared_ptr<HostedView> content) {

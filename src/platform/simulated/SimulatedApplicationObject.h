@@ -4,8 +4,10 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <map>
 #include <optional>
+#include <set>
 #include <vector>
 
 #include "platform/ApplicationPort.h"
@@ -39,7 +41,14 @@ class SimulatedApplicationObject final : public ApplicationPort {
     std::vector<PlatformWindowHandle> windows() const override;
     void setActivationPolicy(ApplicationActivationPolicy policy) override;
     void activate() override;
+    // Runs the Settings window's opener when one is set and the action is handled.
     bool showSettingsWindow() override;
+    void orderFrontStandardAboutPanel(std::optional<ImageHandle> applicationIcon) override;
+    // Finds the names given to `setImageNames`, "MenuBarIcon" and "AboutPanelLogo" at first.
+    std::optional<ImageHandle> imageNamed(const std::string& name) const override;
+    // Counts the request and runs the termination handler on a later turn of the run loop (at
+    // once without one).
+    void terminate() override;
 
     PlatformWindowHandle makeWindow(std::shared_ptr<HostedView> content) override;
     void setTitle(PlatformWindowHandle window, const std::string& title) override;
@@ -75,6 +84,16 @@ class SimulatedApplicationObject final : public ApplicationPort {
     void resignActive() { isActive_ = false; }
 
     void setShowSettingsWindowResult(bool handled) { showSettingsWindowResult_ = handled; }
+    void setSettingsWindowOpener(std::function<void()> opener) {
+        settingsWindowOpener_ = std::move(opener);
+    }
+    void setImageNames(std::set<std::string> names) { imageNames_ = std::move(names); }
+    void setTerminationHandler(std::function<void()> handler) {
+        terminationHandler_ = std::move(handler);
+    }
+    // The icons the About panel was shown with, one per showing.
+    const std::vector<std::optional<ImageHandle>>& aboutPanels() const { return aboutPanels_; }
+    std::size_t terminationRequests() const { return terminationRequests_; }
     std::size_t showSettingsWindowCount() const { return showSettingsWindowCount_; }
 
   private:
@@ -95,6 +114,11 @@ class SimulatedApplicationObject final : public ApplicationPort {
     std::size_t activationCount_ = 0;
     bool showSettingsWindowResult_ = true;
     std::size_t showSettingsWindowCount_ = 0;
+    std::function<void()> settingsWindowOpener_;
+    std::set<std::string> imageNames_{"MenuBarIcon", "AboutPanelLogo"};
+    std::function<void()> terminationHandler_;
+    std::vector<std::optional<ImageHandle>> aboutPanels_;
+    std::size_t terminationRequests_ = 0;
     std::map<PlatformWindowHandle, Entry> windows_;
     PlatformWindowHandle lastHandle_ = 0;
     std::optional<PlatformWindowHandle> keyWindow_;

@@ -1,8 +1,17 @@
 #include "ui/qt/QtApplicationObject.h"
 
+#include <QCoreApplication>
+#include <array>
+
 #include "core/Logger.h"
 
 namespace orvane {
+
+namespace {
+
+constexpr std::array<const char*, 2> assetNames{"MenuBarIcon", "AboutPanelLogo"};
+
+}  // namespace
 
 QtApplicationObject::QtApplicationObject(std::shared_ptr<NotificationCenterPort> notifications)
     : notifications_(std::move(notifications)) {}
@@ -17,6 +26,46 @@ std::vector<PlatformWindowHandle> QtApplicationObject::windows() const {
 
 void QtApplicationObject::setActivationPolicy(ApplicationActivationPolicy policy) {
     policy_ = policy;
+}
+
+bool QtApplicationObject::showSettingsWindow() {
+    if (!settingsWindowOpener_) {
+        return false;
+    }
+    settingsWindowOpener_();
+    return true;
+}
+
+void QtApplicationObject::orderFrontStandardAboutPanel(std::optional<ImageHandle> applicationIcon) {
+    if (aboutPanelPresenter_) {
+        aboutPanelPresenter_(std::move(applicationIcon));
+    }
+}
+
+std::optional<ImageHandle> QtApplicationObject::imageNamed(const std::string& name) const {
+    for (std::size_t index = 0; index < assetNames.size(); ++index) {
+        if (name == assetNames[index]) {
+            ImageHandle image;
+            image.identifier = assetIdentifierBit | index;
+            image.pixelWidth = image.pixelHeight = 256;
+            image.description = name;
+            return image;
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<std::string> QtApplicationObject::assetName(std::uint64_t identifier) {
+    const auto index = identifier & ~assetIdentifierBit;
+    if ((identifier & assetIdentifierBit) == 0 || index >= assetNames.size()) {
+        return std::nullopt;
+    }
+    return assetNames[index];
+}
+
+void QtApplicationObject::terminate() {
+    QMetaObject::invokeMethod(
+        QCoreApplication::instance(), [] { QCoreApplication::quit(); }, Qt::QueuedConnection);
 }
 
 void QtApplicationObject::activate() {

@@ -3,8 +3,12 @@
 // itself, kept as records with their closings posted to the application's notification centre.
 #pragma once
 
+#include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "platform/ApplicationPort.h"
 #include "platform/NotificationCenterPort.h"
@@ -19,8 +23,14 @@ class QtApplicationObject final : public ApplicationPort {
     std::vector<PlatformWindowHandle> windows() const override;
     void setActivationPolicy(ApplicationActivationPolicy policy) override;
     void activate() override;
-    // No Settings window exists on this desktop yet: nobody handles the action.
-    bool showSettingsWindow() override { return false; }
+    // Handled when a Settings window opener is set.
+    bool showSettingsWindow() override;
+    // Through the presenter that is set; nothing without one.
+    void orderFrontStandardAboutPanel(std::optional<ImageHandle> applicationIcon) override;
+    // "MenuBarIcon" and "AboutPanelLogo", as identifiers with `assetIdentifierBit` set.
+    std::optional<ImageHandle> imageNamed(const std::string& name) const override;
+    // Quits Qt's event loop on its next turn; the program's teardown follows it.
+    void terminate() override;
     PlatformWindowHandle makeWindow(std::shared_ptr<HostedView> content) override;
     void setTitle(PlatformWindowHandle window, const std::string& title) override;
     void setStyleMask(PlatformWindowHandle window, std::uint64_t styleMask) override;
@@ -34,6 +44,17 @@ class QtApplicationObject final : public ApplicationPort {
 
     ApplicationActivationPolicy activationPolicy() const { return policy_; }
 
+    static constexpr std::uint64_t assetIdentifierBit = std::uint64_t{1} << 61;
+    // The asset behind an identifier `imageNamed` handed out.
+    static std::optional<std::string> assetName(std::uint64_t identifier);
+
+    void setSettingsWindowOpener(std::function<void()> opener) {
+        settingsWindowOpener_ = std::move(opener);
+    }
+    void setAboutPanelPresenter(std::function<void(std::optional<ImageHandle>)> presenter) {
+        aboutPanelPresenter_ = std::move(presenter);
+    }
+
   private:
     struct Window {
         std::shared_ptr<HostedView> content;
@@ -45,6 +66,8 @@ class QtApplicationObject final : public ApplicationPort {
     std::map<PlatformWindowHandle, Window> windows_;
     PlatformWindowHandle lastHandle_ = 0;
     ApplicationActivationPolicy policy_ = ApplicationActivationPolicy::accessory;
+    std::function<void()> settingsWindowOpener_;
+    std::function<void(std::optional<ImageHandle>)> aboutPanelPresenter_;
 };
 
 }  // namespace orvane
