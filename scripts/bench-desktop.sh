@@ -3,7 +3,7 @@
 # minimal program on the same key: key press to overlay painted at 6 and 30 windows, Tab to
 # repaint, release to the chosen window active, and idle CPU over 30 seconds. Takes about three
 # minutes; run it on an otherwise quiet machine.
-#   bash scripts/bench-desktop.sh [TRIALS]
+#   bash scripts/bench-desktop.sh [TRIALS] [launcher]   (launcher: only the launcher keystroke)
 set -euo pipefail
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 cd "$root"
@@ -11,4 +11,4 @@ cd "$root"
 scripts/install-dependencies.sh
 cmake -S . -B build/release -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
 cmake --build build/release --target orvane_desktop_benchmark
-build/release/bench/orvane_desktop_benchmark "${1:-20}"
+build/release/bench/orvane_desktop_benchmark "${1:-20}" "${@:2}"

@@ -4,6 +4,7 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QIcon>
+#include <QMessageBox>
 #include <QTimer>
 #include <cstdlib>
 
@@ -72,7 +73,8 @@ DesktopProgram::DesktopProgram(std::unique_ptr<X11Connection> connection)
         [capture = screenCapture_] { return capture->preflightScreenCaptureAccess(); });
     platform.mainRunLoop = runLoop;
     platform.clock = std::make_shared<SystemClock>();
-    platform.application = std::make_shared<QtApplicationObject>(applicationNotifications);
+    application_ = std::make_shared<QtApplicationObject>(applicationNotifications);
+    platform.application = application_;
     platform.applicationNotifications = applicationNotifications;
     accessibility_ = std::make_shared<X11Accessibility>(*connection_, *model_, runLoop);
     platform.accessibility = accessibility_;
@@ -131,6 +133,11 @@ DesktopProgram::DesktopProgram(std::unique_ptr<X11Connection> connection)
                                          connection_->dispatchPendingEvents();
                                          connection_->flush();
                                      });
+    application_->setSettingsWindowOpener([this] { openSettingsWindow(); });
+    application_->setAboutPanelPresenter(
+        [this](std::optional<ImageHandle> icon) { showAboutPanel(icon); });
+    tray_ = std::make_unique<QtTrayMenu>(app_->menuBarScene(), Wording::linuxDesktop(),
+                                         QIcon(QStringLiteral(":/orvane/orvane-menubar.svg")));
     app_->finishLaunching();
     connection_->flush();
     // Read once the program runs, before anyone searches: thousands of entries take a while.
@@ -139,6 +146,8 @@ DesktopProgram::DesktopProgram(std::unique_ptr<X11Connection> connection)
 
 DesktopProgram::~DesktopProgram() {
     terminate();
+    settingsWindow_.reset();
+    tray_.reset();
     QObject::disconnect(aboutToBlock_);
 }
 
@@ -147,6 +156,47 @@ void DesktopProgram::terminate() {
         app_->terminate();
         connection_->flush();
     }
+}
+
+void DesktopProgram::reopen() {
+    if (!app_ || app_->hasTerminated()) {
+        return;
+    }
+    const bool anyVisible = settingsWindow_ && settingsWindow_->isVisible();
+    app_->delegate()->applicationShouldHandleReopen(anyVisible);
+    if (anyVisible) {
+        settingsWindow_->raise();
+        settingsWindow_->activateWindow();
+    }
+}
+
+void DesktopProgram::openSettingsWindow() {
+    const auto& view = app_->settingsView();
+    if (!settingsWindow_) {
+        settingsWindow_ = std::make_unique<QtSettingsWindow>(
+            view, Wording::linuxDesktop(), [view] { view->windowDidShow(); },
+            [view] { view->windowDidHide(); });
+        settingsWindow_->setWindowIcon(QIcon(QStringLiteral(":/orvane/orvane.svg")));
+        view->attach(application_->adopt(settingsWindow_.get()));
+    }
+    settingsWindow_->show();
+    settingsWindow_->raise();
+    settingsWindow_->activateWindow();
+}
+
+void DesktopProgram::showAboutPanel(const std::optional<ImageHandle>& icon) {
+    auto* panel = new QMessageBox(QMessageBox::NoIcon, QStringLiteral("About Orvane"),
+                                  QStringLiteral("<b>Orvane</b> %1<br><br>A keyboard-driven window "
+                                                 "switcher ordered by recency, with a search "
+                                                 "launcher.")
+                                      .arg(QStringLiteral(ORVANE_VERSION)),
+                                  QMessageBox::Close);
+    panel->setAttribute(Qt::WA_DeleteOnClose);
+    if (icon) {
+        panel->setIconPixmap(QPixmap::fromImage(image(*icon))
+                                 .scaled(96, 96, Qt::KeepAspectRatio, Qt::SmoothTransformation));
+    }
+    panel->show();
 }
 
 bool DesktopProgram::isComposited() {
@@ -175,6 +225,14 @@ Rect DesktopProgram::toDesktop(const Rect& frame) const {
 }
 
 QImage DesktopProgram::image(const ImageHandle& handle) {
+    if (const auto asset = QtApplicationObject::assetName(handle.identifier)) {
+        const auto file = *asset == "MenuBarIcon" ? QStringLiteral(":/orvane/orvane-menubar.svg")
+                                                  : QStringLiteral(":/orvane/orvane.svg");
+        return QIcon(file)
+            .pixmap(
+                QSize(static_cast<int>(handle.pixelWidth), static_cast<int>(handle.pixelHeight)))
+            .toImage();
+    }
     if (auto found = images_.find(handle.identifier); found != images_.end()) {
         return found->second;
     }

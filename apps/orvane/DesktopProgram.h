@@ -18,7 +18,10 @@
 #include "platform/x11/X11Screens.h"
 #include "platform/x11/X11WindowModel.h"
 #include "platform/x11/X11Workspace.h"
+#include "ui/qt/QtApplicationObject.h"
 #include "ui/qt/QtOverlayPanel.h"
+#include "ui/qt/QtSettingsWindow.h"
+#include "ui/qt/QtTrayMenu.h"
 #include "ui/qt/SessionEventsMonitor.h"
 
 namespace orvane {
@@ -31,6 +34,9 @@ class DesktopProgram {
 
     // Tears the program down, as quitting does.
     void terminate();
+    // Orvane was started again while running: the delegate's reopen rule decides (Settings opens
+    // when no window of the program is visible).
+    void reopen();
 
     const std::shared_ptr<OrvaneApplicationDelegate>& delegate() const { return app_->delegate(); }
     QtOverlayPanel& overlayPanel() { return *overlayPanel_; }
@@ -45,6 +51,9 @@ class DesktopProgram {
     QImage image(const ImageHandle& handle);
     // An icon of a desktop entry, from the icon theme or its file.
     QImage themeIcon(const std::string& name, const ImageHandle& handle) const;
+    // The Settings window, built at its first opening.
+    void openSettingsWindow();
+    void showAboutPanel(const std::optional<ImageHandle>& icon);
 
     std::unique_ptr<X11Connection> connection_;
     std::unique_ptr<X11WindowModel> model_;
@@ -60,7 +69,11 @@ class DesktopProgram {
     QMetaObject::Connection aboutToBlock_;
     std::map<std::uint64_t, QImage> images_;
     std::optional<bool> composited_;
+    std::shared_ptr<QtApplicationObject> application_;
     std::unique_ptr<OrvaneApp> app_;
+    // After the program, whose scenes they draw.
+    std::unique_ptr<QtTrayMenu> tray_;
+    std::unique_ptr<QtSettingsWindow> settingsWindow_;
 };
 
 }  // namespace orvane

@@ -14,6 +14,7 @@
 #include "DesktopProgram.h"
 #include "core/Log.h"
 #include "core/StandardErrorLogSink.h"
+#include "ui/qt/QtSingleInstance.h"
 
 namespace {
 
@@ -48,13 +49,21 @@ int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "xcb");
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Orvane"));
+    QApplication::setDesktopFileName(QStringLiteral("orvane"));
     QApplication::setQuitOnLastWindowClosed(false);
 
+    // One Orvane per user: a second start asks the first to show its Settings, then leaves.
+    orvane::QtSingleInstance instance;
+    if (instance.handOverToRunningInstance()) {
+        std::cerr << "orvane: already running; it shows its Settings\n";
+        return 0;
+    }
     auto program = orvane::DesktopProgram::start();
     if (!program) {
         std::cerr << "orvane: no X11 display to run on (is DISPLAY set?)\n";
         return 1;
     }
+    instance.listen([&program] { program->reopen(); });
 
     ::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, signalPipe);
     QSocketNotifier signals(signalPipe[0], QSocketNotifier::Read);

@@ -51,7 +51,7 @@ class SettingsView final : public std::enable_shared_from_this<SettingsView> {
     SettingsView(const SettingsView&) = delete;
     SettingsView& operator=(const SettingsView&) = delete;
 
-    const Observable<SettingsPane>& selectedPane() const { return selectedPane_; }
+    Observable<SettingsPane>& selectedPane() { return selectedPane_; }
     // The tab bar's selection. While the window shows, the pane left disappears and the new one
     // appears.
     void select(SettingsPane pane);

@@ -4,7 +4,15 @@ namespace orvane {
 
 Wording Wording::linuxDesktop() {
     return Wording({
+        {"Command isn't offered — macOS's own app switcher owns Command-Tab.",
+         "Super isn't offered: the desktop keeps it for its own shortcuts."},
         {"⌥␣", "Alt+Space"},
+        {"release ⌥", "release Alt"},
+        {"release ⌃", "release Ctrl"},
+        {"⇧⇥", "Shift+Tab"},
+        {"⇥", "Tab"},
+        {"⎋", "Esc"},
+        {"↩", "Enter"},
         {"Option-Tab", "Alt+Tab"},
         {"Option-Space", "Alt+Space"},
         {"⌥ Option", "Alt"},

@@ -78,9 +78,18 @@ PlatformWindowHandle QtApplicationObject::makeWindow(std::shared_ptr<HostedView>
     return handle;
 }
 
+PlatformWindowHandle QtApplicationObject::adopt(QWidget* widget) {
+    const auto handle = ++lastHandle_;
+    windows_[handle].widget = widget;
+    return handle;
+}
+
 void QtApplicationObject::setTitle(PlatformWindowHandle window, const std::string& title) {
     if (auto found = windows_.find(window); found != windows_.end()) {
         found->second.title = title;
+        if (found->second.widget) {
+            found->second.widget->setWindowTitle(QString::fromStdString(title));
+        }
     }
 }
 
@@ -96,6 +105,12 @@ void QtApplicationObject::makeKeyAndOrderFront(PlatformWindowHandle window) {
         return;
     }
     found->second.visible = true;
+    if (auto* widget = found->second.widget.data()) {
+        widget->show();
+        widget->raise();
+        widget->activateWindow();
+        return;
+    }
     Logger::forCategory(LogCategory::lifecycle)
         .info("window \"%{public}s\" is open; this desktop does not draw it yet",
               found->second.title);
@@ -103,18 +118,24 @@ void QtApplicationObject::makeKeyAndOrderFront(PlatformWindowHandle window) {
 
 void QtApplicationObject::close(PlatformWindowHandle window) {
     auto found = windows_.find(window);
-    if (found == windows_.end() || !found->second.visible) {
+    if (found == windows_.end() || !isVisible(window)) {
         return;
     }
     notifications_->postNotification(
         PlatformNotification{windowWillCloseNotification, std::nullopt, {}, window});
     if (auto still = windows_.find(window); still != windows_.end()) {
         still->second.visible = false;
+        if (still->second.widget) {
+            still->second.widget->hide();
+        }
     }
 }
 
 bool QtApplicationObject::isVisible(PlatformWindowHandle window) const {
     auto found = windows_.find(window);
+    if (found != windows_.end() && found->second.widget) {
+        return found->second.widget->isVisible();
+    }
     return found != windows_.end() && found->second.visible;
 }
 

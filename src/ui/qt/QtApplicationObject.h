@@ -3,6 +3,8 @@
 // itself, kept as records with their closings posted to the application's notification centre.
 #pragma once
 
+#include <QPointer>
+#include <QWidget>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -48,6 +50,9 @@ class QtApplicationObject final : public ApplicationPort {
     // The asset behind an identifier `imageNamed` handed out.
     static std::optional<std::string> assetName(std::uint64_t identifier);
 
+    // A window the program builds itself, such as Settings: titles and visibility go to it.
+    PlatformWindowHandle adopt(QWidget* widget);
+
     void setSettingsWindowOpener(std::function<void()> opener) {
         settingsWindowOpener_ = std::move(opener);
     }
@@ -57,6 +62,8 @@ class QtApplicationObject final : public ApplicationPort {
 
   private:
     struct Window {
+        // The widget that draws it, when this desktop has one for it.
+        QPointer<QWidget> widget;
         std::shared_ptr<HostedView> content;
         std::string title;
         std::uint64_t styleMask = 0;

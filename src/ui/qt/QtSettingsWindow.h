@@ -1,0 +1,44 @@
+// The Settings window on a Linux desktop: a fixed 580 by 600 window of three tabs, each pane drawn
+// from its view data in the desktop's wording and drawn again whenever the pane asks. Controls hand
+// the user's changes back to the pane by their labels.
+#pragma once
+
+#include <QTabWidget>
+#include <QWidget>
+#include <array>
+#include <functional>
+#include <memory>
+
+#include "app/SettingsView.h"
+#include "core/Wording.h"
+
+namespace orvane {
+
+class QtSettingsWindow final : public QWidget {
+  public:
+    // `onClose` runs when the user closes the window (it is hidden, not destroyed).
+    QtSettingsWindow(std::shared_ptr<SettingsView> view, Wording wording,
+                     std::function<void()> onShow, std::function<void()> onClose);
+    ~QtSettingsWindow() override;
+
+    // Draws the pane again on the next turn of the event loop, once however often it is asked.
+    void scheduleRedraw(SettingsPane pane);
+
+  protected:
+    void showEvent(QShowEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+  private:
+    void redraw(SettingsPane pane);
+
+    std::shared_ptr<SettingsView> view_;
+    Wording wording_;
+    std::function<void()> onShow_;
+    std::function<void()> onClose_;
+    QTabWidget* tabs_;
+    std::array<bool, 3> redrawPending_{};
+    std::array<ObservationToken, 3> redrawObservations_{};
+    ObservationToken selectionObservation_ = 0;
+};
+
+}  // namespace orvane

@@ -1,0 +1,17 @@
+// The platform's symbol names of the views (such as "gearshape") as freedesktop icon names, and
+// as icons of the current theme (a null icon where the theme has none).
+#pragma once
+
+#include <QIcon>
+#include <string_view>
+
+namespace orvane {
+
+class QtSymbols {
+  public:
+    // An icon name of the freedesktop naming specification; empty for an unknown symbol.
+    static const char* freedesktopName(std::string_view symbol);
+    static QIcon icon(std::string_view symbol);
+};
+
+}  // namespace orvane
