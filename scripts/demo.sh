@@ -13,6 +13,9 @@ exec 3< <(Xvfb -displayfd 1 -screen 0 1280x800x24 -nolisten tcp 2>"$out/xvfb.log
 read -r number <&3
 export DISPLAY=":$number"
 export XDG_CONFIG_HOME="$out/config"
+# Its own instance socket: an Orvane running on the real desktop is not this one.
+export XDG_RUNTIME_DIR="$out/runtime"
+mkdir -p -m 700 "$XDG_RUNTIME_DIR"
 pids=()
 cleanup() {
     for pid in "${pids[@]}"; do kill "$pid" 2>/dev/null || true; done

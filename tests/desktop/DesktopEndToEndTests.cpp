@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/wait.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -255,6 +256,60 @@ TEST_F(DesktopEndToEndTest, AChordHeldElsewhereComesUpOnceFreed) {
     altTab();
     EXPECT_TRUE(becomesActive(one.window)) << session->programLog();
     (void)two;
+}
+
+}  // namespace
+}  // namespace orvane::testing
+
+namespace orvane::testing {
+namespace {
+
+// Last: it quits the program through its menu, and starts it again for whatever follows.
+TEST_F(DesktopEndToEndTest, TheTrayMenuOpensSettingsAndQuitsAndASecondStartReopensSettings) {
+    auto tray = session->spawn({"trayer", "--edge", "top", "--align", "right", "--widthtype",
+                                "request", "--height", "24", "--SetDockType", "true"},
+                               session->folder() / "trayer.log");
+    // The icon docks into a tray that is there when the program starts.
+    session->stopProgram();
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    session->startProgram();
+    const auto settingsTitled = [](const char* pane) {
+        return DesktopSession::waitFor([pane] {
+            return session->windowTitled(std::string("Orvane Settings — ") + pane).has_value();
+        });
+    };
+    // Right of the tray at the top right corner, keyboard through the menu: Down to "About
+    // Orvane", Down past the disabled status line to "Settings…".
+    const auto chooseFromTray = [](std::initializer_list<const char*> keys) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        session->click(1280 - 12, 12, 3);
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        for (const auto* key : keys) {
+            session->tap(key);
+        }
+    };
+    chooseFromTray({"Down", "Down", "Return"});
+    ASSERT_TRUE(settingsTitled("General")) << session->programLog();
+    session->close(*session->windowTitled("Orvane Settings — General"));
+    ASSERT_TRUE(DesktopSession::waitFor(
+        [] { return !session->windowTitled("Orvane Settings — General").has_value(); }));
+
+    // Started again, Orvane hands over to the running one, which shows its Settings.
+    auto second = session->spawn({ORVANE_PROGRAM_PATH}, session->folder() / "second.log");
+    int status = -1;
+    ASSERT_TRUE(
+        DesktopSession::waitFor([&] { return ::waitpid(second, &status, WNOHANG) == second; }));
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    EXPECT_TRUE(settingsTitled("General"));
+
+    // Up wraps round to the last entry, "Quit Orvane".
+    chooseFromTray({"Up", "Return"});
+    EXPECT_TRUE(DesktopSession::waitFor([] {
+        return session->programLog().find("applicationWillTerminate") != std::string::npos;
+    })) << session->programLog();
+    session->stopProcess(tray);
+    session->stopProgram();
+    session->startProgram();
 }
 
 }  // namespace

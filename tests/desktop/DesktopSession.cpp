@@ -61,6 +61,8 @@ DesktopSession::DesktopSession() {
     ::setenv("DISPLAY", display_.c_str(), 1);
     ::setenv("XDG_CONFIG_HOME", (folder_ / "config").c_str(), 1);
     ::setenv("XDG_DATA_HOME", (folder_ / "data").c_str(), 1);
+    // The program's one-instance socket lives here: sessions side by side don't find each other.
+    ::setenv("XDG_RUNTIME_DIR", folder_.c_str(), 1);
     std::filesystem::create_directories(applicationsFolder());
     // Under LeakSanitizer the program reports only leaks of its own.
     const char* leakOptions = std::getenv("LSAN_OPTIONS");
@@ -241,6 +243,14 @@ void DesktopSession::press(const std::string& key) {
 void DesktopSession::release(const std::string& key) {
     xcb_test_fake_input(connection_, XCB_KEY_RELEASE, keycode(key), XCB_CURRENT_TIME, XCB_NONE, 0,
                         0, 0);
+    sync();
+}
+
+void DesktopSession::click(std::int16_t x, std::int16_t y, std::uint8_t button) {
+    xcb_test_fake_input(connection_, XCB_MOTION_NOTIFY, 0, XCB_CURRENT_TIME, root(), x, y, 0);
+    xcb_test_fake_input(connection_, XCB_BUTTON_PRESS, button, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
+    xcb_test_fake_input(connection_, XCB_BUTTON_RELEASE, button, XCB_CURRENT_TIME, XCB_NONE, 0, 0,
+                        0);
     sync();
 }
 

@@ -44,6 +44,8 @@ class DesktopSession {
     void press(const std::string& key);
     void release(const std::string& key);
     void tap(const std::string& key);
+    // A press and release of a pointer button at a point of the screen.
+    void click(std::int16_t x, std::int16_t y, std::uint8_t button);
 
     std::optional<xcb_window_t> activeWindow();
     // The client window that holds the X input focus (or whose frame does).
