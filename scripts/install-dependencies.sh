@@ -12,7 +12,7 @@ packages=(
     libxcb-composite0-dev libxcb-render0-dev libxcb-shm0-dev libxcb-damage0-dev libxkbcommon-dev
     libxkbcommon-x11-dev libglib2.0-dev libqt6svg6
     fonts-dejavu-core
-    xvfb xauth openbox trayer xterm x11-utils xdotool imagemagick
+    dpkg-dev xvfb xauth openbox trayer xterm x11-utils xdotool imagemagick
 )
 
 missing=()
