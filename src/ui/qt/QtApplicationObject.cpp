@@ -1,9 +1,12 @@
 #include "ui/qt/QtApplicationObject.h"
 
 #include <QCoreApplication>
+#include <QScreen>
 #include <array>
 
 #include "core/Logger.h"
+#include "core/Wording.h"
+#include "ui/qt/QtWelcomeWindow.h"
 
 namespace orvane {
 
@@ -74,7 +77,14 @@ void QtApplicationObject::activate() {
 
 PlatformWindowHandle QtApplicationObject::makeWindow(std::shared_ptr<HostedView> content) {
     const auto handle = ++lastHandle_;
-    windows_[handle].content = std::move(content);
+    auto& window = windows_[handle];
+    if (auto welcome = std::dynamic_pointer_cast<PermissionOnboardingView>(content)) {
+        // The title bar's button closes it the way the program does, telling the controller.
+        window.ownedWidget = std::make_shared<QtWelcomeWindow>(welcome, Wording::linuxDesktop(),
+                                                               [this, handle] { close(handle); });
+        window.widget = window.ownedWidget.get();
+    }
+    window.content = std::move(content);
     return handle;
 }
 
@@ -96,6 +106,19 @@ void QtApplicationObject::setTitle(PlatformWindowHandle window, const std::strin
 void QtApplicationObject::setStyleMask(PlatformWindowHandle window, std::uint64_t styleMask) {
     if (auto found = windows_.find(window); found != windows_.end()) {
         found->second.styleMask = styleMask;
+    }
+}
+
+void QtApplicationObject::center(PlatformWindowHandle window) {
+    auto found = windows_.find(window);
+    if (found == windows_.end() || !found->second.widget) {
+        return;
+    }
+    auto* widget = found->second.widget.data();
+    if (const auto* screen = widget->screen()) {
+        auto frame = widget->frameGeometry();
+        frame.moveCenter(screen->availableGeometry().center());
+        widget->move(frame.topLeft());
     }
 }
 

@@ -37,7 +37,7 @@ class QtApplicationObject final : public ApplicationPort {
     void setTitle(PlatformWindowHandle window, const std::string& title) override;
     void setStyleMask(PlatformWindowHandle window, std::uint64_t styleMask) override;
     void setReleasedWhenClosed(PlatformWindowHandle, bool) override {}
-    void center(PlatformWindowHandle) override {}
+    void center(PlatformWindowHandle window) override;
     void makeKeyAndOrderFront(PlatformWindowHandle window) override;
     void close(PlatformWindowHandle window) override;
     bool isVisible(PlatformWindowHandle window) const override;
@@ -64,6 +64,8 @@ class QtApplicationObject final : public ApplicationPort {
     struct Window {
         // The widget that draws it, when this desktop has one for it.
         QPointer<QWidget> widget;
+        // A widget this object built for the window's content, such as the welcome window's.
+        std::shared_ptr<QWidget> ownedWidget;
         std::shared_ptr<HostedView> content;
         std::string title;
         std::uint64_t styleMask = 0;
