@@ -23,9 +23,11 @@ int main(int argc, char** argv) {
         auto image = icon.pixmap(QSize(size, size)).toImage();
         if (image.isNull() || image.width() != size || !output.mkpath(folder) ||
             !image.save(output.filePath(folder + QLatin1Char('/') +
-                                        QString::fromLocal8Bit(argv[3]) + QStringLiteral(".png")))) {
-            std::fprintf(stderr, "%s: cannot render %s at %d pixels (is the Qt SVG plugin, "
-                                 "libqt6svg6, installed?)\n",
+                                        QString::fromLocal8Bit(argv[3]) +
+                                        QStringLiteral(".png")))) {
+            std::fprintf(stderr,
+                         "%s: cannot render %s at %d pixels (is the Qt SVG plugin, "
+                         "libqt6svg6, installed?)\n",
                          argv[0], argv[1], size);
             return 1;
         }
