@@ -192,18 +192,21 @@ DesktopSession::Client DesktopSession::startClient(const std::string& title, std
     }
     client.process = spawn(arguments, folder_ / "clients.log");
     const auto known = cardinals(root_, atom("_NET_CLIENT_LIST"));
-    waitFor([&] {
-        for (auto window : cardinals(root_, atom("_NET_CLIENT_LIST"))) {
-            const auto pid = cardinals(window, atom("_NET_WM_PID"));
-            const bool isNew = std::find(known.begin(), known.end(), window) == known.end();
-            if (!pid.empty() &&
-                (static_cast<pid_t>(pid[0]) == client.process || (absurd && isNew))) {
-                client.window = window;
-                return activeWindow() == window;
+    waitFor(
+        [&] {
+            for (auto window : cardinals(root_, atom("_NET_CLIENT_LIST"))) {
+                const auto pid = cardinals(window, atom("_NET_WM_PID"));
+                const bool isNew = std::find(known.begin(), known.end(), window) == known.end();
+                if (!pid.empty() &&
+                    (static_cast<pid_t>(pid[0]) == client.process || (absurd && isNew))) {
+                    client.window = window;
+                    return activeWindow() == window;
+                }
             }
-        }
-        return false;
-    });
+            return false;
+            // A loaded machine (the sanitizer build beside another job) may take seconds to map it.
+        },
+        std::chrono::milliseconds(8000));
     return client;
 }
 

@@ -26,9 +26,13 @@ TEST(X11ScreenCaptureTests, CapturesScaledContentsAndSurvivesAWindowThatWent) {
     auto capture = std::make_shared<X11ScreenCapture>(*connection, model, screens, runLoop);
     ASSERT_TRUE(capture->preflightScreenCaptureAccess());
 
+    ASSERT_NE(client.window, 0u) << "the client's window never came up";
     std::optional<ShareableContent> content;
-    capture->getShareableContent(true, false, [&](auto listed) { content = listed; });
-    runLoop->runUntilIdle();
+    DesktopSession::waitFor([&] {
+        capture->getShareableContent(true, false, [&](auto listed) { content = listed; });
+        runLoop->runUntilIdle();
+        return content && content->windows.size() == 1;
+    });
     ASSERT_TRUE(content && content->windows.size() == 1);
     const auto listed = content->windows.front();
     const auto take = [&] {
