@@ -72,12 +72,10 @@ class QtSettingsWindowTest : public ::testing::Test {
         for (int y = 0; y < image.height(); ++y) {
             for (int x = 0; x < image.width(); ++x) {
                 const auto pixel = image.pixel(x, y);
-                count += std::abs(qRed(pixel) - qRed(colour)) +
+                const int distance = std::abs(qRed(pixel) - qRed(colour)) +
                                      std::abs(qGreen(pixel) - qGreen(colour)) +
-                                     std::abs(qBlue(pixel) - qBlue(colour)) <
-                                 60
-                             ? 1
-                             : 0;
+                                     std::abs(qBlue(pixel) - qBlue(colour));
+                count += distance < 60 ? 1 : 0;
             }
         }
         return count;

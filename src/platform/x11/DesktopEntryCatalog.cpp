@@ -145,10 +145,7 @@ const DesktopEntryCatalog::Asked* DesktopEntryCatalog::asked(const std::string& 
     if (nextAsked_ > 0 && asked_[nextAsked_ - 1].path == path) {
         return &asked_[nextAsked_ - 1];
     }
-    if (!entries_.contains(path)) {
-        entry(path);
-    }
-    auto& known = entries_.find(path)->second;
+    auto& known = knownRecord(path);
     if (known.askedAt >= asked_.size() || asked_[known.askedAt].path != path) {
         known.askedAt = asked_.size();
         asked_.push_back(known.entry ? Asked{path, known.entry->name, known.entry->icon}
@@ -178,10 +175,16 @@ const DesktopEntryCatalog::Entry* DesktopEntryCatalog::entry(const std::string& 
 }
 
 const DesktopEntryCatalog::Entry* DesktopEntryCatalog::knownEntry(const std::string& path) const {
+    const auto& known = knownRecord(path);
+    return known.entry ? &*known.entry : nullptr;
+}
+
+DesktopEntryCatalog::Known& DesktopEntryCatalog::knownRecord(const std::string& path) const {
     if (auto found = entries_.find(path); found != entries_.end()) {
-        return found->second.entry ? &*found->second.entry : nullptr;
+        return found->second;
     }
-    return entry(path);
+    entry(path);
+    return entries_.find(path)->second;
 }
 
 std::optional<DesktopEntryCatalog::Entry> DesktopEntryCatalog::read(const std::string& path) const {

@@ -91,6 +91,7 @@ class DesktopEntryCatalog final : public FileManagerPort {
     const Entry* entry(const std::string& path) const;
     // The entry as last read, read only when never read before: no system call per keystroke.
     const Entry* knownEntry(const std::string& path) const;
+    Known& knownRecord(const std::string& path) const;
     // Entries in the order they were first asked for since one was last read; the next one asked
     // is most often the one after the last.
     const Asked* asked(const std::string& path) const;

@@ -9,7 +9,7 @@ namespace orvane {
 
 class QtSymbols {
   public:
-    // An icon name of the freedesktop naming specification; empty for an unknown symbol.
+    // A freedesktop icon name, such as "help-about"; empty for an unknown symbol.
     static const char* freedesktopName(std::string_view symbol);
     static QIcon icon(std::string_view symbol);
 };
