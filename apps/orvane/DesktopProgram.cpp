@@ -36,11 +36,7 @@
 
 namespace orvane {
 
-std::unique_ptr<DesktopProgram> DesktopProgram::start() {
-    auto connection = X11Connection::open();
-    if (!connection) {
-        return nullptr;
-    }
+std::unique_ptr<DesktopProgram> DesktopProgram::start(std::unique_ptr<X11Connection> connection) {
     return std::unique_ptr<DesktopProgram>(new DesktopProgram(std::move(connection)));
 }
 

@@ -28,8 +28,7 @@ namespace orvane {
 
 class DesktopProgram {
   public:
-    // Nothing, after an error line, when no X display can be reached.
-    static std::unique_ptr<DesktopProgram> start();
+    static std::unique_ptr<DesktopProgram> start(std::unique_ptr<X11Connection> connection);
     ~DesktopProgram();
 
     // Tears the program down, as quitting does.

@@ -44,6 +44,16 @@ int main(int argc, char** argv) {
     }
     orvane::Log::shared().replaceSinks({std::make_shared<orvane::StandardErrorLogSink>(level)});
 
+    // Before Qt, which would abort with a message of its own.
+    auto connection = orvane::X11Connection::open();
+    if (!connection) {
+        std::cerr << "orvane: no X11 display to run on (is DISPLAY set?)\n";
+        return 1;
+    }
+    if (qEnvironmentVariable("XDG_SESSION_TYPE") == QLatin1String("wayland")) {
+        std::cerr << "orvane: this is a Wayland session; Orvane sees and switches only the "
+                     "windows of X11 programs (XWayland)\n";
+    }
     // Qt draws through the X server the program switches windows on, whatever the environment
     // prefers.
     qputenv("QT_QPA_PLATFORM", "xcb");
@@ -58,11 +68,7 @@ int main(int argc, char** argv) {
         std::cerr << "orvane: already running; it shows its Settings\n";
         return 0;
     }
-    auto program = orvane::DesktopProgram::start();
-    if (!program) {
-        std::cerr << "orvane: no X11 display to run on (is DISPLAY set?)\n";
-        return 1;
-    }
+    auto program = orvane::DesktopProgram::start(std::move(connection));
     instance.listen([&program] { program->reopen(); });
 
     ::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, signalPipe);

@@ -93,6 +93,10 @@ TEST_F(QtSettingsWindowTest, DisabledTogglesDimmedRowsAndBadgesShowInThePixels) 
     ASSERT_EQ(tabs->count(), 3);
     EXPECT_EQ(tabs->tabText(1), "Shortcuts");
     EXPECT_EQ(window->size(), QSize(580, 600));
+    // Drawn by the style where the desktop has no icon theme.
+    for (int index = 0; index < tabs->count(); ++index) {
+        EXPECT_FALSE(tabs->tabIcon(index).pixmap(16).isNull()) << "tab " << index;
+    }
 
     // Without Screen Recording the previews toggle is drawn disabled, still on.
     auto image = picture();

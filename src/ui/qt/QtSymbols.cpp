@@ -1,38 +1,58 @@
 #include "ui/qt/QtSymbols.h"
 
+#include <QApplication>
+#include <QStyle>
 #include <array>
-#include <utility>
 
 namespace orvane {
 
 namespace {
 
-constexpr std::array<std::pair<std::string_view, const char*>, 10> names{{
-    {"checkmark", "object-select"},
-    {"gearshape", "preferences-system"},
-    {"keyboard", "input-keyboard"},
-    {"info.circle", "help-about"},
-    {"checkmark.circle.fill", "emblem-ok"},
-    {"exclamationmark.triangle.fill", "dialog-warning"},
-    {"lock.shield", "security-high"},
-    {"rectangle.on.rectangle", "video-display"},
-    {"hand.raised", "dialog-information"},
-    {"macwindow", "window-new"},
+struct Symbol {
+    std::string_view name;
+    const char* freedesktopName;
+    // Drawn by the style itself where no icon theme is installed (a bare X session).
+    QStyle::StandardPixmap fallback;
+};
+
+constexpr std::array<Symbol, 9> symbols{{
+    {"checkmark", "object-select", QStyle::SP_DialogApplyButton},
+    {"gearshape", "preferences-system", QStyle::SP_FileDialogDetailedView},
+    {"keyboard", "input-keyboard", QStyle::SP_ComputerIcon},
+    {"info.circle", "help-about", QStyle::SP_MessageBoxInformation},
+    {"checkmark.circle.fill", "emblem-ok", QStyle::SP_DialogApplyButton},
+    {"exclamationmark.triangle.fill", "dialog-warning", QStyle::SP_MessageBoxWarning},
+    {"lock.shield", "security-high", QStyle::SP_MessageBoxInformation},
+    {"accessibility.fill", "preferences-desktop-accessibility", QStyle::SP_TitleBarNormalButton},
+    {"rectangle.dashed.badge.record", "media-record", QStyle::SP_DesktopIcon},
 }};
+
+const Symbol* find(std::string_view name) {
+    for (const auto& symbol : symbols) {
+        if (symbol.name == name) {
+            return &symbol;
+        }
+    }
+    return nullptr;
+}
 
 }  // namespace
 
 const char* QtSymbols::freedesktopName(std::string_view symbol) {
-    for (const auto& [from, to] : names) {
-        if (from == symbol) {
-            return to;
-        }
-    }
-    return "";
+    const auto* found = find(symbol);
+    return found ? found->freedesktopName : "";
 }
 
 QIcon QtSymbols::icon(std::string_view symbol) {
-    return QIcon::fromTheme(QString::fromLatin1(freedesktopName(symbol)));
+    const auto* found = find(symbol);
+    if (found == nullptr) {
+        return {};
+    }
+    auto themed = QIcon::fromTheme(QString::fromLatin1(found->freedesktopName));
+    if (!themed.isNull() || QApplication::style() == nullptr) {
+        return themed;
+    }
+    return QApplication::style()->standardIcon(found->fallback);
 }
 
 }  // namespace orvane

@@ -1,5 +1,5 @@
 // The platform's symbol names of the views (such as "gearshape") as freedesktop icon names, and
-// as icons of the current theme (a null icon where the theme has none).
+// as icons of the current theme, else of the widget style (a null icon for an unknown symbol).
 #pragma once
 
 #include <QIcon>
