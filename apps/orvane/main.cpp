@@ -73,7 +73,7 @@ int main(int argc, char** argv) {
 
     ::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, signalPipe);
     QSocketNotifier signals(signalPipe[0], QSocketNotifier::Read);
-    QObject::connect(&signals, &QSocketNotifier::activated, [] { QApplication::quit(); });
+    QObject::connect(&signals, &QSocketNotifier::activated, [] { QApplication::exit(0); });
     std::signal(SIGINT, onSignal);
     std::signal(SIGTERM, onSignal);
 

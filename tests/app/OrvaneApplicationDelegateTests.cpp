@@ -1,6 +1,6 @@
-// The program's life over the simulated machine: launch with and without Accessibility, the retry
-// for the tap, the activation sweep and teardown. (Reopen, the Settings route and a revocation
-// during a gesture are pinned by the scenario suite.)
+// The program's life over the simulated machine: what construction and the launch start, and
+// teardown. (The retry for the tap, the activation sweep, reopen, the Settings route and a
+// revocation during a gesture are pinned by the scenario suite.)
 
 #include <gtest/gtest.h>
 
@@ -18,9 +18,6 @@ namespace {
 
 using simulator::SimulatedMachine;
 using Lines = std::vector<std::string>;
-
-constexpr const char* tapFailed =
-    "event tap creation failed; accessibility trust is likely missing";
 
 class ApplicationLifecycleTest : public testing::Test {
   protected:
@@ -47,7 +44,6 @@ class ApplicationLifecycleTest : public testing::Test {
         settle();
     }
     void settle() { machine.desktop->runLoop().runUntilIdle(); }
-    void advance(double seconds) { machine.desktop->runLoop().advance(seconds); }
     void key(KeyboardEventType type, EventKeyCode code, KeyboardEventFlags flags) {
         machine.desktop->postKeyboardEvent(type, SimulatedKeyboardEvent(code, flags, false, u""));
         settle();
@@ -74,10 +70,6 @@ class ApplicationLifecycleTest : public testing::Test {
         }
         return lines;
     }
-    std::size_t tries(const Lines& lines) {
-        return static_cast<std::size_t>(std::count(
-            lines.begin(), lines.end(), std::string("shortcutinterception: ") + tapFailed));
-    }
 
     ScopedLogCapture capture;
     SimulatedMachine machine;
@@ -101,72 +93,6 @@ TEST_F(ApplicationLifecycleTest, ConstructionStartsOnlyTheUpdaterAndTheLaunchSta
                              "lifecycle: launch complete"}));
     EXPECT_FALSE(delegate().isRetryingInterception());
     EXPECT_FALSE(delegate().permissionOnboardingWindowController()->window());
-}
-
-TEST_F(ApplicationLifecycleTest, WithoutAccessibilityItRetriesEveryThreeSecondsUntilTheGrant) {
-    machine.setPermission(PermissionCapability::accessibility, false);
-    launch();
-    EXPECT_EQ(take(),
-              (Lines{"permission: permission status changed: accessibility -> notGranted",
-                     "permission: permission status changed: screenRecording -> granted",
-                     "softwareupdates: Sparkle updater started.",
-                     "lifecycle: applicationDidFinishLaunching — starting engine",
-                     std::string("shortcutinterception: ") + tapFailed,
-                     "lifecycle: event tap unavailable (permissions pending) — retrying "
-                     "in background",
-                     "permission: showing permission onboarding", "lifecycle: launch complete",
-                     // The window brought the program forward: one more try at once.
-                     std::string("shortcutinterception: ") + tapFailed}));
-    EXPECT_TRUE(delegate().isRetryingInterception());
-    EXPECT_TRUE(delegate().permissionOnboardingWindowController()->window());
-    EXPECT_EQ(machine.application->activationPolicy(), ApplicationActivationPolicy::regular);
-
-    advance(2.9);
-    EXPECT_EQ(tries(take()), 0u);
-    advance(0.1);
-    advance(3);
-    EXPECT_EQ(tries(take()), 2u);
-
-    machine.setPermission(PermissionCapability::accessibility, true);
-    advance(1);
-    take();
-    advance(2);
-    const auto lines = take();
-    EXPECT_EQ(std::count(lines.begin(), lines.end(),
-                         "lifecycle: global shortcut interception active after retry"),
-              1);
-    EXPECT_FALSE(delegate().isRetryingInterception());
-    EXPECT_TRUE(delegate().globalShortcutInterceptor()->isEventTapEnabled());
-    advance(9);
-    EXPECT_EQ(machine.desktop->eventTaps().liveTapCount(), 1u);
-    EXPECT_EQ(take(), Lines{});
-}
-
-TEST_F(ApplicationLifecycleTest, BecomingActiveTriesAtOnceAndRepairsADisabledTap) {
-    machine.setPermission(PermissionCapability::accessibility, false);
-    launch();
-    take();
-    becomeActive();
-    EXPECT_EQ(tries(take()), 1u);
-    machine.setPermission(PermissionCapability::accessibility, true);
-    becomeActive();
-    EXPECT_TRUE(delegate().globalShortcutInterceptor()->isEventTapEnabled());
-    EXPECT_FALSE(delegate().isRetryingInterception());
-    take();
-
-    // Healthy tap, no retry due: the sweep does nothing.
-    becomeActive();
-    EXPECT_EQ(take(), Lines{});
-    startSession();
-    // The system's notice is still on its way when the program comes forward.
-    machine.desktop->eventTaps().disableTaps(keyboard_event_type::tapDisabledByTimeout, 60);
-    becomeActive();
-    EXPECT_TRUE(delegate().globalShortcutInterceptor()->isEventTapEnabled());
-    EXPECT_FALSE(delegate().switcherSessionCoordinator()->isSessionActive());
-    EXPECT_EQ(take().back(),
-              "shortcutinterception: interaction state reset (tap found disabled on activation "
-              "sweep)");
-    EXPECT_EQ(machine.desktop->focusedWindow(), 101u);
 }
 
 TEST_F(ApplicationLifecycleTest, QuitDuringASessionActivatesNothingAndRemovesTheTapFirst) {

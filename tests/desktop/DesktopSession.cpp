@@ -159,6 +159,13 @@ void DesktopSession::stopProgram() {
     stopProcess(program_);
 }
 
+bool DesktopSession::programEnded() {
+    if (program_ > 0 && ::waitpid(program_, nullptr, WNOHANG) == program_) {
+        program_ = 0;
+    }
+    return program_ == 0;
+}
+
 std::string DesktopSession::programLog() const {
     return readAll(folder_ / "orvane.log");
 }

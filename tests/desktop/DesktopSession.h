@@ -27,6 +27,8 @@ class DesktopSession {
     void startProgram();
     void stopProgram();
     std::string programLog() const;
+    // Whether the program has ended by itself (reaped here).
+    bool programEnded();
 
     struct Client {
         pid_t process = 0;

@@ -67,8 +67,9 @@ std::optional<std::string> QtApplicationObject::assetName(std::uint64_t identifi
 }
 
 void QtApplicationObject::terminate() {
+    // Not quit(): that asks every window to close first, and Settings only hides.
     QMetaObject::invokeMethod(
-        QCoreApplication::instance(), [] { QCoreApplication::quit(); }, Qt::QueuedConnection);
+        QCoreApplication::instance(), [] { QCoreApplication::exit(0); }, Qt::QueuedConnection);
 }
 
 void QtApplicationObject::activate() {
