@@ -22,7 +22,6 @@ void LauncherSessionCoordinator::beginLauncherSession() {
     isLauncherSessionActive_ = true;
     activeModeSelection_ = ActiveModeSelection::windows;
     searchQuery_.clear();
-    selectedIndex_ = 0;
     log_.info("launcher session began");
     refresh();
 }
@@ -36,7 +35,6 @@ void LauncherSessionCoordinator::switchLauncherMode() {
                                : ActiveModeSelection::windows;
     // The typed text belongs to the mode it was typed for.
     searchQuery_.clear();
-    selectedIndex_ = 0;
     refresh();
 }
 
@@ -45,7 +43,6 @@ void LauncherSessionCoordinator::appendToSearchQuery(const std::string& text) {
         return;
     }
     searchQuery_ += text;
-    selectedIndex_ = 0;
     refresh();
 }
 
@@ -55,7 +52,6 @@ void LauncherSessionCoordinator::deleteLastSearchCharacter() {
     }
     // One Delete erases what the user sees as one character, however many code points it has.
     searchQuery_.erase(graphemeClusters_.lastClusterStart(searchQuery_));
-    selectedIndex_ = 0;
     refresh();
 }
 
@@ -108,9 +104,7 @@ void LauncherSessionCoordinator::refresh() {
         items.resize(maximumVisibleItems);
     }
     visibleItems_ = std::move(items);
-    if (selectedIndex_ < 0 || selectedIndex_ >= static_cast<std::ptrdiff_t>(visibleItems_.size())) {
-        selectedIndex_ = 0;
-    }
+    selectedIndex_ = 0;
     publish();
 }
 

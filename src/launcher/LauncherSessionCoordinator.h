@@ -55,6 +55,7 @@ class LauncherSessionCoordinator final : public LauncherSessionDriving {
 
   private:
     LauncherMode& activeMode() const;
+    // Asks the mode again and selects the first row: every change of the query or mode does.
     void refresh();
     void publish();
 
