@@ -34,8 +34,6 @@ class GeneralPreferencesView final : public PreferencesPaneView {
     // Reads the login item's status.
     void appear() override;
 
-    bool launchAtLoginEnabled() const { return launchAtLoginEnabled_; }
-
   private:
     bool isScreenRecordingGranted();
     void readLoginStatus();

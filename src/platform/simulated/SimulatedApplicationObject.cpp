@@ -64,7 +64,6 @@ std::optional<ImageHandle> SimulatedApplicationObject::imageNamed(const std::str
 }
 
 void SimulatedApplicationObject::terminate() {
-    ++terminationRequests_;
     if (!terminationHandler_) {
         return;
     }

@@ -44,7 +44,7 @@ class SimulatedApplicationObject final : public ApplicationPort {
     // Runs the Settings window's opener when one is set and the action is handled.
     bool showSettingsWindow() override;
     void orderFrontStandardAboutPanel(std::optional<ImageHandle> applicationIcon) override;
-    // Finds the names given to `setImageNames`, "MenuBarIcon" and "AboutPanelLogo" at first.
+    // Finds the bundle's two images, "MenuBarIcon" and "AboutPanelLogo".
     std::optional<ImageHandle> imageNamed(const std::string& name) const override;
     // Counts the request and runs the termination handler on a later turn of the run loop (at
     // once without one).
@@ -87,13 +87,11 @@ class SimulatedApplicationObject final : public ApplicationPort {
     void setSettingsWindowOpener(std::function<void()> opener) {
         settingsWindowOpener_ = std::move(opener);
     }
-    void setImageNames(std::set<std::string> names) { imageNames_ = std::move(names); }
     void setTerminationHandler(std::function<void()> handler) {
         terminationHandler_ = std::move(handler);
     }
     // The icons the About panel was shown with, one per showing.
     const std::vector<std::optional<ImageHandle>>& aboutPanels() const { return aboutPanels_; }
-    std::size_t terminationRequests() const { return terminationRequests_; }
     std::size_t showSettingsWindowCount() const { return showSettingsWindowCount_; }
 
   private:
@@ -115,10 +113,9 @@ class SimulatedApplicationObject final : public ApplicationPort {
     bool showSettingsWindowResult_ = true;
     std::size_t showSettingsWindowCount_ = 0;
     std::function<void()> settingsWindowOpener_;
-    std::set<std::string> imageNames_{"MenuBarIcon", "AboutPanelLogo"};
+    const std::set<std::string> imageNames_{"MenuBarIcon", "AboutPanelLogo"};
     std::function<void()> terminationHandler_;
     std::vector<std::optional<ImageHandle>> aboutPanels_;
-    std::size_t terminationRequests_ = 0;
     std::map<PlatformWindowHandle, Entry> windows_;
     PlatformWindowHandle lastHandle_ = 0;
     std::optional<PlatformWindowHandle> keyWindow_;

@@ -38,11 +38,6 @@ const Symbol* find(std::string_view name) {
 
 }  // namespace
 
-const char* QtSymbols::freedesktopName(std::string_view symbol) {
-    const auto* found = find(symbol);
-    return found ? found->freedesktopName : "";
-}
-
 QIcon QtSymbols::icon(std::string_view symbol) {
     const auto* found = find(symbol);
     if (found == nullptr) {
