@@ -25,8 +25,9 @@ trap cleanup EXIT
 
 openbox --config-file "$root/tests/desktop/openbox-rc.xml" >"$out/openbox.log" 2>&1 &
 pids+=($!)
+# Openbox sets the work area late in its start-up, just before it manages windows.
 for attempt in $(seq 50); do
-    xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q window && break
+    xprop -root _NET_WORKAREA 2>/dev/null | grep -q CARDINAL && break
     sleep 0.1
 done
 for title in Mail Notes Terminal; do

@@ -10,6 +10,7 @@
 #include <xkbcommon/xkbcommon.h>
 
 #include <QImage>
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
@@ -82,6 +83,33 @@ DesktopSession::DesktopSession() {
     // The window manager is up once it owns the supporting-check property.
     waitFor([this] { return !cardinals(root_, atom("_NET_SUPPORTING_WM_CHECK")).empty(); },
             std::chrono::milliseconds(10000));
+    waitUntilWindowsAreManaged();
+}
+
+void DesktopSession::waitUntilWindowsAreManaged() {
+    // Openbox names itself a moment before it takes over mapping, and a window mapped in between
+    // stays unmanaged for good: map a probe again until the window manager lists it.
+    const auto probe = xcb_generate_id(connection_);
+    xcb_create_window(connection_, XCB_COPY_FROM_PARENT, probe, root_, 0, 0, 1, 1, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+    const auto listed = [&] {
+        const auto list = cardinals(root_, atom("_NET_CLIENT_LIST"));
+        return std::find(list.begin(), list.end(), probe) != list.end();
+    };
+    int polls = 0;
+    waitFor(
+        [&] {
+            if (polls++ % 25 == 0 && !listed()) {
+                xcb_unmap_window(connection_, probe);
+                xcb_map_window(connection_, probe);
+                xcb_flush(connection_);
+            }
+            return listed();
+        },
+        std::chrono::milliseconds(10000));
+    xcb_destroy_window(connection_, probe);
+    xcb_flush(connection_);
+    waitFor([&] { return !listed(); });
 }
 
 DesktopSession::~DesktopSession() {

@@ -90,6 +90,7 @@ class DesktopSession {
     pid_t spawn(const std::vector<std::string>& arguments, const std::filesystem::path& output);
 
   private:
+    void waitUntilWindowsAreManaged();
     xcb_atom_t atom(const char* name);
     std::vector<std::uint32_t> cardinals(xcb_window_t window, xcb_atom_t property);
     void sendToWindowManager(xcb_window_t window, xcb_atom_t type, std::vector<std::uint32_t> data);
