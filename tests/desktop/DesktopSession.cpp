@@ -92,24 +92,25 @@ void DesktopSession::waitUntilWindowsAreManaged() {
     const auto probe = xcb_generate_id(connection_);
     xcb_create_window(connection_, XCB_COPY_FROM_PARENT, probe, root_, 0, 0, 1, 1, 0,
                       XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
-    const auto listed = [&] {
-        const auto list = cardinals(root_, atom("_NET_CLIENT_LIST"));
-        return std::find(list.begin(), list.end(), probe) != list.end();
-    };
     int polls = 0;
     waitFor(
         [&] {
-            if (polls++ % 25 == 0 && !listed()) {
+            if (polls++ % 25 == 0 && !isManaged(probe)) {
                 xcb_unmap_window(connection_, probe);
                 xcb_map_window(connection_, probe);
                 xcb_flush(connection_);
             }
-            return listed();
+            return isManaged(probe);
         },
         std::chrono::milliseconds(10000));
     xcb_destroy_window(connection_, probe);
     xcb_flush(connection_);
-    waitFor([&] { return !listed(); });
+    waitFor([&] { return !isManaged(probe); });
+}
+
+bool DesktopSession::isManaged(xcb_window_t window) {
+    const auto list = cardinals(root_, atom("_NET_CLIENT_LIST"));
+    return std::find(list.begin(), list.end(), window) != list.end();
 }
 
 DesktopSession::~DesktopSession() {
@@ -248,10 +249,7 @@ DesktopSession::Client DesktopSession::startClient(const std::string& title, std
 void DesktopSession::stopClient(Client& client) {
     stopProcess(client.process);
     const auto window = client.window;
-    waitFor([&] {
-        const auto list = cardinals(root_, atom("_NET_CLIENT_LIST"));
-        return std::find(list.begin(), list.end(), window) == list.end();
-    });
+    waitFor([&] { return !isManaged(window); });
     client.window = 0;
 }
 
@@ -348,10 +346,7 @@ void DesktopSession::minimize(xcb_window_t window) {
 
 void DesktopSession::close(xcb_window_t window) {
     sendToWindowManager(window, atom("_NET_CLOSE_WINDOW"), {XCB_CURRENT_TIME, 2});
-    waitFor([&] {
-        const auto list = cardinals(root_, atom("_NET_CLIENT_LIST"));
-        return std::find(list.begin(), list.end(), window) == list.end();
-    });
+    waitFor([&] { return !isManaged(window); });
 }
 
 std::optional<xcb_window_t> DesktopSession::windowTitled(const std::string& title) {

@@ -91,6 +91,8 @@ class DesktopSession {
 
   private:
     void waitUntilWindowsAreManaged();
+    // Whether the window manager lists the window among its clients.
+    bool isManaged(xcb_window_t window);
     xcb_atom_t atom(const char* name);
     std::vector<std::uint32_t> cardinals(xcb_window_t window, xcb_atom_t property);
     void sendToWindowManager(xcb_window_t window, xcb_atom_t type, std::vector<std::uint32_t> data);
