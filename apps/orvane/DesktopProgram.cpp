@@ -65,8 +65,13 @@ DesktopProgram::DesktopProgram(std::unique_ptr<X11Connection> connection)
         static_cast<ProcessIdentifier>(QCoreApplication::applicationPid());
     platform.userDefaults = std::make_shared<XdgUserDefaults>();
     screenCapture_ = std::make_shared<X11ScreenCapture>(*connection_, *model_, *screens_, runLoop);
-    platform.permissions = std::make_shared<LinuxPermissions>(
-        [capture = screenCapture_] { return capture->preflightScreenCaptureAccess(); });
+    permissions_ = std::make_shared<LinuxPermissions>(LinuxPermissions::Conditions{
+        [this] { return eventTap_->requiredChordIsFree(); },
+        [this] { return eventTap_->requiredChordName(); },
+        [this] { return connection_->windowManagerName(); },
+        [capture = screenCapture_] { return capture->preflightScreenCaptureAccess(); },
+        [this](const std::string& address) { showHelp(address); }});
+    platform.permissions = permissions_;
     platform.mainRunLoop = runLoop;
     platform.clock = std::make_shared<SystemClock>();
     application_ = std::make_shared<QtApplicationObject>(applicationNotifications);
@@ -90,7 +95,8 @@ DesktopProgram::DesktopProgram(std::unique_ptr<X11Connection> connection)
     platform.applicationFolders = desktopEntries_->folders();
     platform.applicationLauncher = std::make_shared<GioApplicationLauncher>(runLoop);
     platform.sound = std::make_shared<QtSound>();
-    platform.updater = std::make_shared<PackageManagerUpdater>();
+    platform.updater = std::make_shared<PackageManagerUpdater>(
+        QCoreApplication::applicationFilePath().toStdString());
     platform.bundle = std::make_shared<ProgramBundle>(ORVANE_VERSION, ORVANE_VERSION);
     platform.systemInformation = std::make_shared<LinuxSystemInformation>();
     platform.pasteboard = std::make_shared<QtPasteboard>();
@@ -99,6 +105,7 @@ DesktopProgram::DesktopProgram(std::unique_ptr<X11Connection> connection)
         XdgAutostartLoginItem::standardEntryFile(),
         QCoreApplication::applicationFilePath().toStdString());
     platform.supportAddress = supportEmailAddress;
+    platform.wording = Wording::linuxDesktop();
 
     app_ = std::make_unique<OrvaneApp>(std::move(platform));
     const auto& delegate = app_->delegate();
@@ -143,6 +150,8 @@ DesktopProgram::DesktopProgram(std::unique_ptr<X11Connection> connection)
 DesktopProgram::~DesktopProgram() {
     terminate();
     settingsWindow_.reset();
+    helpWindow_.reset();
+    delete aboutPanel_.data();
     tray_.reset();
     QObject::disconnect(aboutToBlock_);
 }
@@ -180,7 +189,29 @@ void DesktopProgram::openSettingsWindow() {
     settingsWindow_->activateWindow();
 }
 
+void DesktopProgram::showHelp(const std::string& address) {
+    if (!helpWindow_) {
+        keyboardSettings_ =
+            std::make_unique<DesktopKeyboardSettings>(connection_->windowManagerName());
+        helpWindow_ = std::make_unique<QtHelpWindow>(QtHelpWindow::Actions{
+            [this](const std::string& section) {
+                return permissions_->missingReason(section == "window-previews"
+                                                       ? PermissionCapability::screenRecording
+                                                       : PermissionCapability::accessibility);
+            },
+            keyboardSettings_->name(), [this] { keyboardSettings_->open(); }});
+        helpWindow_->setWindowIcon(QIcon(QStringLiteral(":/orvane/orvane.svg")));
+    }
+    helpWindow_->showPage(address);
+}
+
 void DesktopProgram::showAboutPanel(const std::optional<ImageHandle>& icon) {
+    // One at a time: asked again, the open one comes forward.
+    if (aboutPanel_) {
+        aboutPanel_->raise();
+        aboutPanel_->activateWindow();
+        return;
+    }
     auto* panel = new QMessageBox(QMessageBox::NoIcon, QStringLiteral("About Orvane"),
                                   QStringLiteral("<b>Orvane</b> %1<br><br>A keyboard-driven window "
                                                  "switcher ordered by recency, with a search "
@@ -192,6 +223,7 @@ void DesktopProgram::showAboutPanel(const std::optional<ImageHandle>& icon) {
         panel->setIconPixmap(QPixmap::fromImage(image(*icon))
                                  .scaled(96, 96, Qt::KeepAspectRatio, Qt::SmoothTransformation));
     }
+    aboutPanel_ = panel;
     panel->show();
 }
 

@@ -3,7 +3,9 @@
 #pragma once
 
 #include <QImage>
+#include <QMessageBox>
 #include <QObject>
+#include <QPointer>
 #include <QSocketNotifier>
 #include <map>
 #include <memory>
@@ -11,6 +13,7 @@
 
 #include "app/OrvaneApp.h"
 #include "platform/x11/DesktopEntryCatalog.h"
+#include "platform/x11/DesktopKeyboardSettings.h"
 #include "platform/x11/X11Accessibility.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11EventTap.h"
@@ -18,7 +21,9 @@
 #include "platform/x11/X11Screens.h"
 #include "platform/x11/X11WindowModel.h"
 #include "platform/x11/X11Workspace.h"
+#include "ui/qt/LinuxPermissions.h"
 #include "ui/qt/QtApplicationObject.h"
+#include "ui/qt/QtHelpWindow.h"
 #include "ui/qt/QtOverlayPanel.h"
 #include "ui/qt/QtSettingsWindow.h"
 #include "ui/qt/QtTrayMenu.h"
@@ -53,6 +58,8 @@ class DesktopProgram {
     // The Settings window, built at its first opening.
     void openSettingsWindow();
     void showAboutPanel(const std::optional<ImageHandle>& icon);
+    // Orvane's help at a section, in its window.
+    void showHelp(const std::string& address);
 
     std::unique_ptr<X11Connection> connection_;
     std::unique_ptr<X11WindowModel> model_;
@@ -62,6 +69,7 @@ class DesktopProgram {
     std::shared_ptr<X11Workspace> workspace_;
     std::shared_ptr<X11Accessibility> accessibility_;
     std::shared_ptr<X11EventTap> eventTap_;
+    std::shared_ptr<LinuxPermissions> permissions_;
     std::shared_ptr<QtOverlayPanel> overlayPanel_;
     std::unique_ptr<SessionEventsMonitor> sessionEvents_;
     std::unique_ptr<QSocketNotifier> notifier_;
@@ -73,6 +81,9 @@ class DesktopProgram {
     // After the program, whose scenes they draw.
     std::unique_ptr<QtTrayMenu> tray_;
     std::unique_ptr<QtSettingsWindow> settingsWindow_;
+    std::unique_ptr<DesktopKeyboardSettings> keyboardSettings_;
+    std::unique_ptr<QtHelpWindow> helpWindow_;
+    QPointer<QMessageBox> aboutPanel_;
 };
 
 }  // namespace orvane

@@ -14,6 +14,8 @@
 #include "DesktopProgram.h"
 #include "core/Log.h"
 #include "core/StandardErrorLogSink.h"
+#include "core/WordedLogSink.h"
+#include "core/Wording.h"
 #include "ui/qt/QtSingleInstance.h"
 
 namespace {
@@ -42,7 +44,9 @@ int main(int argc, char** argv) {
             return 0;
         }
     }
-    orvane::Log::shared().replaceSinks({std::make_shared<orvane::StandardErrorLogSink>(level)});
+    // The log speaks the desktop's words, as the windows do.
+    orvane::Log::shared().replaceSinks({std::make_shared<orvane::WordedLogSink>(
+        std::make_shared<orvane::StandardErrorLogSink>(level), orvane::Wording::linuxDesktop())});
 
     // Before Qt, which would abort with a message of its own.
     auto connection = orvane::X11Connection::open();

@@ -106,16 +106,18 @@ void SimulatedProgram::start() {
             app_->terminate();
         }
     });
-    // Drawn as a window draws it: the pane on screen reads its content at each redraw.
+    // Drawn as a window draws it: the pane on screen reads its content when it comes on screen
+    // and at each redraw it asks for, and `print settings` shows that drawing, so a redraw that
+    // never comes shows as a stale pane.
     const auto& settings = app_->settingsView();
     for (const auto pane : allSettingsPanes) {
         settings->pane(pane).redraws().subscribe([this, pane](const std::uint64_t&) {
-            const auto& view = app_->settingsView();
-            if (isSettingsWindowOpen() && view->selectedPane().value() == pane) {
-                view->pane(pane).content();
+            if (app_->settingsView()->selectedPane().value() == pane) {
+                drawSettings();
             }
         });
     }
+    settings->selectedPane().subscribe([this](const SettingsPane&) { drawSettings(); });
     windowCloseObservation_ = machine_.applicationNotifications->addObserver(
         windowWillCloseNotification, [this](const PlatformNotification& notification) {
             if (settingsWindow_ && notification.object == *settingsWindow_) {
@@ -447,6 +449,8 @@ void SimulatedProgram::perform(int lineNumber, const ProgramActionStep& step) {
     switch (step.kind) {
         case Kind::bringToFront:
             transcript_.headline(lineNumber, "bring-to-front");
+            // The user comes back from elsewhere, even where the program was active before.
+            machine_.application->resignActive();
             machine_.application->activate();
             return;
         case Kind::reopen:
@@ -586,6 +590,16 @@ void SimulatedProgram::openSettingsWindow() {
         machine_.application->makeKeyAndOrderFront(*settingsWindow_);
     }
     view->windowDidShow();
+    drawSettings();
+}
+
+void SimulatedProgram::drawSettings() {
+    if (!isSettingsWindowOpen()) {
+        return;
+    }
+    const auto& view = app_->settingsView();
+    const auto pane = view->selectedPane().value();
+    drawnSettingsPanes_[pane] = view->pane(pane).content();
 }
 
 bool SimulatedProgram::isSettingsWindowOpen() const {
@@ -618,8 +632,12 @@ void SimulatedProgram::printSettings() {
     }
     transcript_.effect("settings", "\"" + machine_.application->window(*settingsWindow_)->title +
                                        "\", tabs" + tabs);
-    for (const auto& line :
-         SettingsTextRenderer::paneLines(view->pane(view->selectedPane().value()).content())) {
+    const auto drawn = drawnSettingsPanes_.find(view->selectedPane().value());
+    if (drawn == drawnSettingsPanes_.end()) {
+        transcript_.effect("settings", "pane not drawn");
+        return;
+    }
+    for (const auto& line : SettingsTextRenderer::paneLines(drawn->second)) {
         transcript_.effect("settings", line);
     }
 }

@@ -3,6 +3,7 @@
 // each caused to the transcript, as a user would see it.
 #pragma once
 
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -85,6 +86,8 @@ class SimulatedProgram {
     void printProgram();
     void printMenu();
     void printSettings();
+    // The Settings window draws its pane on screen, when it is open.
+    void drawSettings();
     // The platform's Settings scene: one window, built at its first opening and shown again after.
     void openSettingsWindow();
     bool isSettingsWindowOpen() const;
@@ -98,6 +101,8 @@ class SimulatedProgram {
     std::optional<NotificationObservationToken> settingsRouteObservation_;
     std::optional<NotificationObservationToken> windowCloseObservation_;
     std::optional<PlatformWindowHandle> settingsWindow_;
+    // What the Settings window last drew of each pane.
+    std::map<SettingsPane, PreferencesPaneContent> drawnSettingsPanes_;
     // Last, so that the program goes before the desktop it runs on.
     std::unique_ptr<OrvaneApp> app_;
 };

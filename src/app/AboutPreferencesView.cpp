@@ -62,15 +62,20 @@ PreferencesPaneContent AboutPreferencesView::content() {
           PaneValue{"Bundle ID", bundleInfoText(*bundle_, "CFBundleIdentifier")}},
          {PaneFootnote{"Orvane is a keyboard-driven window switcher for macOS, ordered by recency. "
                        "Customize the hold modifier and cycling behavior on the Shortcuts tab."}}});
-    pane.sections.push_back(
-        {"Updates",
-         {},
-         {PaneToggle{std::string(automaticChecksToggle),
-                     softwareUpdateService_->automaticallyChecksForUpdates()},
-          PaneButton{.title = std::string(checkNowButton),
-                     .isEnabled = softwareUpdateService_->canCheckForUpdates()}},
-         {PaneFootnote{
-             "Orvane checks in the background and offers new versions when they are available."}}});
+    // Where something else brings new versions, the pane offers no control that can't work.
+    if (const auto source = softwareUpdateService_->externalUpdateSource(); !source.empty()) {
+        pane.sections.push_back({"Updates", {}, {}, {PaneFootnote{source}}});
+    } else {
+        pane.sections.push_back(
+            {"Updates",
+             {},
+             {PaneToggle{std::string(automaticChecksToggle),
+                         softwareUpdateService_->automaticallyChecksForUpdates()},
+              PaneButton{.title = std::string(checkNowButton),
+                         .isEnabled = softwareUpdateService_->canCheckForUpdates()}},
+             {PaneFootnote{"Orvane checks in the background and offers new versions when they "
+                           "are available."}}});
+    }
     pane.sections.push_back(
         {"Permissions",
          {},
@@ -96,7 +101,7 @@ PreferencesPaneContent AboutPreferencesView::content() {
 }
 
 bool AboutPreferencesView::setToggle(std::string_view label, bool isOn) {
-    if (label != automaticChecksToggle) {
+    if (label != automaticChecksToggle || !softwareUpdateService_->externalUpdateSource().empty()) {
         return false;
     }
     softwareUpdateService_->setAutomaticallyChecksForUpdates(isOn);

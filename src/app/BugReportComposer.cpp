@@ -46,13 +46,14 @@ BugReportComposer::BugReportComposer(
     std::shared_ptr<PermissionStatusProviding> permissionStatusProviding,
     std::shared_ptr<BundlePort> bundle, std::shared_ptr<SystemInformationPort> systemInformation,
     std::shared_ptr<PasteboardPort> pasteboard, std::shared_ptr<UrlComponentsPort> urlComponents,
-    std::string supportAddress)
+    std::string supportAddress, Wording wording)
     : permissionStatusProviding_(std::move(permissionStatusProviding)),
       bundle_(std::move(bundle)),
       systemInformation_(std::move(systemInformation)),
       pasteboard_(std::move(pasteboard)),
       urlComponents_(std::move(urlComponents)),
-      supportAddress_(std::move(supportAddress)) {}
+      supportAddress_(std::move(supportAddress)),
+      wording_(std::move(wording)) {}
 
 std::string BugReportComposer::hardwareModel() const {
     std::size_t size = 0;
@@ -79,7 +80,7 @@ std::string BugReportComposer::diagnosticsText() const {
         text += PermissionStatusCoordinator::displayTitle(capability);
         text += granted ? ": granted" : ": not granted";
     }
-    return text;
+    return wording_.apply(text);
 }
 
 std::optional<std::string> BugReportComposer::composeBugReportURL() const {

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "core/PermissionStatusProviding.h"
+#include "core/Wording.h"
 #include "platform/BundlePort.h"
 #include "platform/PasteboardPort.h"
 #include "platform/SystemInformationPort.h"
@@ -20,7 +21,8 @@ class BugReportComposer {
                       std::shared_ptr<BundlePort> bundle,
                       std::shared_ptr<SystemInformationPort> systemInformation,
                       std::shared_ptr<PasteboardPort> pasteboard,
-                      std::shared_ptr<UrlComponentsPort> urlComponents, std::string supportAddress);
+                      std::shared_ptr<UrlComponentsPort> urlComponents, std::string supportAddress,
+                      Wording wording = {});
 
     // Six lines joined by line feeds, none after the last; built anew at each call, permissions
     // included.
@@ -40,6 +42,8 @@ class BugReportComposer {
     std::shared_ptr<PasteboardPort> pasteboard_;
     std::shared_ptr<UrlComponentsPort> urlComponents_;
     std::string supportAddress_;
+    // The desktop's words for the platform's things in the texts it composes.
+    Wording wording_;
 };
 
 }  // namespace orvane

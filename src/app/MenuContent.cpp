@@ -48,12 +48,15 @@ std::vector<MenuEntry> MenuContent::entries() {
     }
     menu.push_back(divider);
     menu.push_back({button, "Settings…", {}, true, ",", MenuAction::settings});
-    menu.push_back({button,
-                    "Check for Updates…",
-                    {},
-                    softwareUpdateService_->canCheckForUpdates(),
-                    {},
-                    MenuAction::checkForUpdates});
+    // A desktop whose package manager brings new versions has no such entry in its programs.
+    if (softwareUpdateService_->externalUpdateSource().empty()) {
+        menu.push_back({button,
+                        "Check for Updates…",
+                        {},
+                        softwareUpdateService_->canCheckForUpdates(),
+                        {},
+                        MenuAction::checkForUpdates});
+    }
     menu.push_back(divider);
     menu.push_back({button, "Copy Diagnostics", {}, true, {}, MenuAction::copyDiagnostics});
     menu.push_back({button, "Report a Bug…", {}, true, {}, MenuAction::reportBug});

@@ -1,5 +1,6 @@
 // The menu of the program's icon, as data: its eleven places from "About Orvane" to "Quit Orvane",
-// with exactly one of the two Accessibility entries, and what choosing each entry does. Drawn again
+// with exactly one of the two Accessibility entries (and no update entry where a package manager
+// brings new versions), and what choosing each entry does. Drawn again
 // whenever `redraws` changes: the permission table or the updater's readiness changed.
 #pragma once
 

@@ -68,9 +68,9 @@ OrvaneApplicationDelegate::OrvaneApplicationDelegate(Platform platform)
         GlobalShortcutInterceptor::Platform{p.eventTaps, p.workspaceNotifications,
                                             p.distributedNotifications, p.mainRunLoop});
     softwareUpdateService_ = SparkleSoftwareUpdateService::make(p.updater);
-    bugReportComposer_ = std::make_shared<BugReportComposer>(permissionStatusCoordinator_, p.bundle,
-                                                             p.systemInformation, p.pasteboard,
-                                                             p.urlComponents, p.supportAddress);
+    bugReportComposer_ = std::make_shared<BugReportComposer>(
+        permissionStatusCoordinator_, p.bundle, p.systemInformation, p.pasteboard, p.urlComponents,
+        p.supportAddress, p.wording);
     permissionOnboardingWindowController_ = PermissionOnboardingWindowController::make(
         permissionStatusCoordinator_, p.application, p.applicationNotifications);
 }

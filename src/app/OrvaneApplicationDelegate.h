@@ -11,6 +11,7 @@
 #include "core/Logger.h"
 #include "core/SoftwareUpdateService.h"
 #include "core/SwitcherSessionCoordinator.h"
+#include "core/Wording.h"
 #include "interception/GlobalShortcutInterceptor.h"
 #include "launcher/ApplicationFolders.h"
 #include "launcher/LauncherSessionCoordinator.h"
@@ -81,6 +82,8 @@ class OrvaneApplicationDelegate final
         std::shared_ptr<UrlComponentsPort> urlComponents;
         std::shared_ptr<LoginItemPort> loginItem;
         std::string supportAddress;
+        // The desktop's words for the platform's things, in the texts the program composes.
+        Wording wording;
     };
 
     // Builds every service; the updater starts here, tracking and the tap only at launch.

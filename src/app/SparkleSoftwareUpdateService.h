@@ -33,6 +33,9 @@ class SparkleSoftwareUpdateService final : public SoftwareUpdateService {
     void setAutomaticallyChecksForUpdates(bool enabled) override;
     // Not guarded by `canCheckForUpdates`: the callers disable their controls instead.
     void checkForUpdates() override;
+    std::string externalUpdateSource() const override {
+        return standardUpdaterController_->externalUpdateSource();
+    }
 
   private:
     explicit SparkleSoftwareUpdateService(std::shared_ptr<UpdaterPort> updater);

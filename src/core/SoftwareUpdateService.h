@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <string>
 
 #include "core/Observable.h"
 
@@ -21,6 +22,9 @@ class SoftwareUpdateService {
     virtual void setAutomaticallyChecksForUpdates(bool enabled) = 0;
     // Starts a user-initiated update check.
     virtual void checkForUpdates() = 0;
+    // How new versions arrive when the program does not update itself (a package manager brings
+    // them); empty when it does. Then nothing about checking is offered.
+    virtual std::string externalUpdateSource() const = 0;
 };
 
 }  // namespace orvane

@@ -85,7 +85,13 @@ PermissionOnboardingContent PermissionOnboardingView::content() const {
         row.capability = capability;
         row.icon = {description.symbol, {Style::title3}, Color::accent};
         row.title = {title, {Style::body, Weight::medium}, Color::primary};
-        row.description = {description.description, {Style::callout}, Color::secondary};
+        // Where the platform can tell what keeps a capability away, the row says that instead.
+        auto reason = actionKind(capability) == PermissionRowActionKind::grantedLabel
+                          ? std::string()
+                          : permissionStatusCoordinator_->missingReason(capability);
+        row.description = {reason.empty() ? std::string(description.description) : reason,
+                           {Style::callout},
+                           Color::secondary};
         if (!isRequired(capability)) {
             row.badge =
                 OnboardingBadge{{"Optional", {Style::caption2, Weight::semibold}, Color::secondary},

@@ -127,13 +127,13 @@ void PermissionStatusCoordinator::requestAccess(PermissionCapability capability)
 }
 
 void PermissionStatusCoordinator::openSystemSettings(PermissionCapability capability) {
-    const auto link = systemSettingsDeepLink(capability);
+    const auto link = permissions_->settingsLink(capability);
     if (!isWellFormedURL(link)) {
         permissionLog().error("malformed System Settings deep link: %{public}s", link);
         return;
     }
     permissionLog().info("opening System Settings for %{public}s", logName(capability));
-    permissions_->openURL(std::string(link));
+    permissions_->openURL(link);
 }
 
 void PermissionStatusCoordinator::startPolling() {
@@ -168,11 +168,8 @@ std::string_view PermissionStatusCoordinator::displayTitle(PermissionCapability 
     return capability == PermissionCapability::accessibility ? "Accessibility" : "Screen Recording";
 }
 
-std::string_view PermissionStatusCoordinator::systemSettingsDeepLink(
-    PermissionCapability capability) {
-    return capability == PermissionCapability::accessibility
-               ? "x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility"
-               : "x-apple.systempreferences:com.apple.preference.security?Privacy_ScreenCapture";
+std::string PermissionStatusCoordinator::missingReason(PermissionCapability capability) {
+    return permissions_->missingReason(capability);
 }
 
 }  // namespace orvane

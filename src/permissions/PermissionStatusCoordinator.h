@@ -6,6 +6,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "core/Observable.h"
@@ -63,10 +64,13 @@ class PermissionStatusCoordinator final
     // The one path whose status changes are logged and may raise a revocation.
     void refresh();
 
+    // The platform's word on what keeps a capability away now, such as the program holding the
+    // shortcut; empty where the fixed description says it all.
+    std::string missingReason(PermissionCapability capability);
+
     static std::string_view logName(PermissionCapability capability);
     static std::string_view logName(PermissionGrantStatus status);
     static std::string_view displayTitle(PermissionCapability capability);
-    static std::string_view systemSettingsDeepLink(PermissionCapability capability);
 
   private:
     PermissionStatusCoordinator(std::shared_ptr<PermissionPort> permissions,

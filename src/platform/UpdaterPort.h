@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <string>
 
 namespace orvane {
 
@@ -24,6 +25,9 @@ class UpdaterPort {
     virtual bool automaticallyChecksForUpdates() const = 0;
     virtual void setAutomaticallyChecksForUpdates(bool enabled) = 0;
     virtual void checkForUpdates() = 0;
+    // How new versions arrive when something other than this updater brings them (a package
+    // manager), in a sentence for the user; empty for an updater that checks by itself.
+    virtual std::string externalUpdateSource() const = 0;
 };
 
 }  // namespace orvane

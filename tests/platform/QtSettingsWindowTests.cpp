@@ -7,6 +7,8 @@
 #include <QCheckBox>
 #include <QImage>
 #include <QLabel>
+#include <QPointer>
+#include <QPushButton>
 #include <QTabWidget>
 #include <memory>
 
@@ -101,7 +103,7 @@ TEST_F(QtSettingsWindowTest, DisabledTogglesDimmedRowsAndBadgesShowInThePixels) 
     // Without Screen Recording the previews toggle is drawn disabled, still on.
     auto image = picture();
     auto* previews = find<QCheckBox>("Show live window previews");
-    auto* menuIcon = find<QCheckBox>("Show menu bar icon");
+    auto* menuIcon = find<QCheckBox>("Show tray icon");
     ASSERT_TRUE(previews && menuIcon);
     EXPECT_TRUE(previews->isChecked());
     EXPECT_GT(ink(image, previews, window.get()), ink(image, menuIcon, window.get()) + 40);
@@ -115,20 +117,31 @@ TEST_F(QtSettingsWindowTest, DisabledTogglesDimmedRowsAndBadgesShowInThePixels) 
     auto* backward = find<QLabel>("Cycle backward");
     auto* forward = find<QLabel>("Cycle forward");
     ASSERT_TRUE(backward && forward);
-    EXPECT_GT(ink(image, backward, window.get()), ink(image, forward, window.get()) + 40);
+    // Half opaque and in the secondary colour: lighter than the primary colour at half opacity.
+    EXPECT_GT(ink(image, backward, window.get()), ink(image, forward, window.get()) + 150);
 
-    // Badges: green while granted, orange once Accessibility is gone.
+    // Badges: green while granted, orange while not.
     const QRgb green = qRgb(52, 168, 83);
     const QRgb orange = qRgb(240, 140, 0);
     app->settingsView()->select(SettingsPane::about);
     image = picture();
     EXPECT_GT(pixelsLike(image, green), 20);
     EXPECT_GT(pixelsLike(image, orange), 20) << "Screen Recording is not granted";
-    // The pane asks again within a second while it shows.
+    // The pane asks again every second while it shows. A poll that finds nothing new leaves the
+    // widgets alone, one that does updates them in place: the focus stays where the user put it.
+    QPointer<QPushButton> showAgain = find<QPushButton>("Show again");
+    ASSERT_TRUE(showAgain);
+    showAgain->setFocus();
+    const auto rebuilds = window->rebuildCount();
+    machine.desktop->runLoop().advance(1.1);
+    picture();
     machine.setPermission(PermissionCapability::screenRecording, true);
     machine.desktop->runLoop().advance(1.1);
     image = picture();
     EXPECT_EQ(pixelsLike(image, orange), 0);
+    EXPECT_EQ(window->rebuildCount(), rebuilds);
+    ASSERT_TRUE(showAgain);
+    EXPECT_TRUE(showAgain->hasFocus());
 }
 
 }  // namespace

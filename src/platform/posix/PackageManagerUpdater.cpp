@@ -1,20 +1,13 @@
 #include "platform/posix/PackageManagerUpdater.h"
 
-#include "core/Logger.h"
+#include <fstream>
+#include <system_error>
 
 namespace orvane {
 
-namespace {
-
-const Logger& log() {
-    return Logger::forCategory(LogCategory::softwareupdates);
-}
-
-}  // namespace
-
-void PackageManagerUpdater::startUpdater() {
-    log().info("updates come from the package manager; Orvane does not check by itself");
-}
+PackageManagerUpdater::PackageManagerUpdater(std::filesystem::path program,
+                                             std::filesystem::path packageDatabase)
+    : program_(std::move(program)), packageDatabase_(std::move(packageDatabase)) {}
 
 UpdaterObservationToken PackageManagerUpdater::observeCanCheckForUpdates(
     std::function<void(bool)> observer, bool initial) {
@@ -25,14 +18,26 @@ UpdaterObservationToken PackageManagerUpdater::observeCanCheckForUpdates(
     return ++lastToken_;
 }
 
-void PackageManagerUpdater::setAutomaticallyChecksForUpdates(bool enabled) {
-    if (enabled) {
-        log().info("automatic checks are the package manager's; nothing to switch on here");
+bool PackageManagerUpdater::isPackaged() const {
+    std::error_code error;
+    const auto program = std::filesystem::weakly_canonical(program_, error).string();
+    // The package is named after the program; a list that names this very file owns it.
+    std::ifstream list(packageDatabase_ / "orvane.list");
+    for (std::string line; std::getline(list, line);) {
+        if (line == program || line == program_.string()) {
+            return true;
+        }
     }
+    return false;
 }
 
-void PackageManagerUpdater::checkForUpdates() {
-    log().info("updates come from the package manager; Orvane does not check by itself");
+std::string PackageManagerUpdater::externalUpdateSource() const {
+    if (isPackaged()) {
+        return "Orvane is installed as a package: new versions arrive with your system's other "
+               "updates, from its package manager.";
+    }
+    return "This copy of Orvane runs from where it was built: a new version comes from building "
+           "a newer source, or from installing Orvane's package.";
 }
 
 }  // namespace orvane

@@ -31,4 +31,10 @@ void SimulatedPermissions::openURL(const std::string& url) {
     openedURLs_.push_back(url);
 }
 
+std::string SimulatedPermissions::settingsLink(PermissionCapability capability) const {
+    return capability == PermissionCapability::accessibility
+               ? "x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility"
+               : "x-apple.systempreferences:com.apple.preference.security?Privacy_ScreenCapture";
+}
+
 }  // namespace orvane

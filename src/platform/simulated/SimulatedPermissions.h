@@ -17,6 +17,10 @@ class SimulatedPermissions final : public PermissionPort {
     bool preflightScreenCaptureAccess() override;
     bool requestScreenCaptureAccess() override;
     void openURL(const std::string& url) override;
+    // The pages of macOS's System Settings, as the program knows them there.
+    std::string settingsLink(PermissionCapability capability) const override;
+    // The fixed description says it all on this desktop.
+    std::string missingReason(PermissionCapability) override { return {}; }
 
     void setAccessibilityTrusted(bool trusted) { accessibilityTrusted_ = trusted; }
     void setScreenRecordingGranted(bool granted) { screenRecordingGranted_ = granted; }

@@ -19,6 +19,8 @@ class SimulatedUpdater : public UpdaterPort {
     bool automaticallyChecksForUpdates() const override { return automaticallyChecks_; }
     void setAutomaticallyChecksForUpdates(bool enabled) override { automaticallyChecks_ = enabled; }
     void checkForUpdates() override { ++checkCount_; }
+    // The simulated updater checks by itself.
+    std::string externalUpdateSource() const override { return {}; }
 
     void setCanCheckForUpdates(bool canCheck);
 

@@ -143,4 +143,17 @@ std::optional<std::uint32_t> X11Connection::Property::cardinal(std::size_t index
     return value;
 }
 
+std::string X11Connection::windowManagerName() {
+    const auto check = property(requestProperty(root(), atom("_NET_SUPPORTING_WM_CHECK"), 1));
+    const auto window = check ? check->cardinal() : std::nullopt;
+    if (!window) {
+        return {};
+    }
+    const auto name = property(requestProperty(*window, atom("_NET_WM_NAME"), 64));
+    if (!name || name->format != 8) {
+        return {};
+    }
+    return std::string(name->bytes.begin(), name->bytes.end());
+}
+
 }  // namespace orvane

@@ -58,6 +58,10 @@ class X11Connection {
                                               std::uint32_t maximumLongs = 4096);
     std::optional<Property> property(xcb_get_property_cookie_t cookie);
 
+    // The running window manager's name as it announces itself ("Openbox"); empty when none
+    // does.
+    std::string windowManagerName();
+
   private:
     X11Connection(xcb_connection_t* connection, xcb_screen_t* screen);
 

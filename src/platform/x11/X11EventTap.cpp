@@ -7,6 +7,7 @@
 #undef explicit
 #include <xkbcommon/xkbcommon-x11.h>
 
+#include <algorithm>
 #include <cstdlib>
 
 #include "core/Logger.h"
@@ -249,42 +250,58 @@ std::vector<X11EventTap::Chord> X11EventTap::chords() const {
     return result;
 }
 
-bool X11EventTap::grabChords() {
+bool X11EventTap::grabChord(const Chord& chord) {
     auto* connection = connection_.connection();
+    std::vector<xcb_void_cookie_t> cookies;
+    for (auto lock : X11KeyTranslation::lockMasks) {
+        cookies.push_back(xcb_grab_key_checked(connection, 1, connection_.root(),
+                                               chord.modifiers | lock, chord.keycode,
+                                               XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_SYNC));
+    }
+    bool taken = false;
+    for (auto cookie : cookies) {
+        if (auto* error = xcb_request_check(connection, cookie)) {
+            taken = true;
+            std::free(error);
+        }
+    }
+    if (taken) {
+        ungrabChord(chord);
+    }
+    return !taken;
+}
+
+void X11EventTap::ungrabChord(const Chord& chord) {
+    for (auto lock : X11KeyTranslation::lockMasks) {
+        xcb_ungrab_key(connection_.connection(), chord.keycode, connection_.root(),
+                       chord.modifiers | lock);
+    }
+}
+
+bool X11EventTap::grabChords() {
     bool requiredTaken = false;
     for (const auto& chord : chords()) {
-        std::vector<xcb_void_cookie_t> cookies;
-        for (auto lock : X11KeyTranslation::lockMasks) {
-            cookies.push_back(xcb_grab_key_checked(connection, 1, connection_.root(),
-                                                   chord.modifiers | lock, chord.keycode,
-                                                   XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_SYNC));
-        }
-        bool taken = false;
-        for (auto cookie : cookies) {
-            if (auto* error = xcb_request_check(connection, cookie)) {
-                taken = true;
-                std::free(error);
-            }
-        }
-        if (!taken) {
+        if (grabChord(chord)) {
             if (reportedTaken_.erase(chord.name) > 0) {
                 log().info("%{public}s is free again and now belongs to Orvane", chord.name);
             }
             grabbed_.push_back(chord);
             continue;
         }
-        for (auto lock : X11KeyTranslation::lockMasks) {
-            xcb_ungrab_key(connection, chord.keycode, connection_.root(), chord.modifiers | lock);
-        }
         requiredTaken = requiredTaken || chord.required;
         if (!reportedTaken_.insert(chord.name).second) {
             continue;
         }
-        log().error(
+        constexpr std::string_view taken =
             "%{public}s is already taken by another program, most often the window manager's own "
             "window switcher: free it in the window manager's keyboard settings. Orvane keeps "
-            "trying by itself.",
-            chord.name);
+            "trying by itself.";
+        // Only the required chord keeps Orvane from working; the others are news, not errors.
+        if (chord.required) {
+            log().error(taken, chord.name);
+        } else {
+            log().info(taken, chord.name);
+        }
     }
     if (requiredTaken) {
         ungrabChords();
@@ -295,13 +312,40 @@ bool X11EventTap::grabChords() {
 
 void X11EventTap::ungrabChords() {
     for (const auto& chord : grabbed_) {
-        for (auto lock : X11KeyTranslation::lockMasks) {
-            xcb_ungrab_key(connection_.connection(), chord.keycode, connection_.root(),
-                           chord.modifiers | lock);
-        }
+        ungrabChord(chord);
     }
     grabbed_.clear();
     connection_.flush();
+}
+
+bool X11EventTap::requiredChordIsFree() {
+    const auto all = chords();
+    const auto required =
+        std::find_if(all.begin(), all.end(), [](const Chord& chord) { return chord.required; });
+    if (required == all.end()) {
+        return false;
+    }
+    const bool held = std::any_of(grabbed_.begin(), grabbed_.end(), [&](const Chord& chord) {
+        return chord.keycode == required->keycode && chord.modifiers == required->modifiers;
+    });
+    if (held) {
+        return true;
+    }
+    if (!grabChord(*required)) {
+        return false;
+    }
+    ungrabChord(*required);
+    connection_.flush();
+    return true;
+}
+
+std::string X11EventTap::requiredChordName() const {
+    for (const auto& chord : chords()) {
+        if (chord.required) {
+            return chord.name;
+        }
+    }
+    return "Alt+Tab";
 }
 
 void X11EventTap::handleEvent(const xcb_generic_event_t& event) {

@@ -41,6 +41,12 @@ class X11EventTap final : public EventTapPort {
     void invalidate(EventTapHandle tap) override;
     KeyboardEventFlags flagsState(std::int32_t stateIdentifier) const override;
 
+    // Whether the required chord (hold and trigger) is Orvane's now, or free to take: another
+    // program's grab can only be seen by trying, so a grab is made and let go at once.
+    bool requiredChordIsFree();
+    // The required chord in the desktop's words ("Alt+Tab").
+    std::string requiredChordName() const;
+
   private:
     struct Chord {
         std::string name;
@@ -55,9 +61,13 @@ class X11EventTap final : public EventTapPort {
                  bool isAutorepeat, std::u16string text, bool* swallowed);
     void reloadKeymap();
     std::vector<Chord> chords() const;
-    // Grabs every chord; false, after one error line per chord taken by another program, when a
+    // Grabs every chord; false, after one line per chord taken by another program, when a
     // required chord could not be grabbed.
     bool grabChords();
+    // Grabs one chord with every lock-key combination; false, with none of them kept, when
+    // another program holds it.
+    bool grabChord(const Chord& chord);
+    void ungrabChord(const Chord& chord);
     void ungrabChords();
     void synchronizeActiveGrab(xcb_timestamp_t time);
     xcb_keycode_t keycodeOf(std::uint16_t storedKeyCode) const;

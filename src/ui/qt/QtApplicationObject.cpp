@@ -1,6 +1,7 @@
 #include "ui/qt/QtApplicationObject.h"
 
 #include <QCoreApplication>
+#include <QGuiApplication>
 #include <QScreen>
 #include <array>
 
@@ -17,7 +18,20 @@ constexpr std::array<const char*, 2> assetNames{"MenuBarIcon", "AboutPanelLogo"}
 }  // namespace
 
 QtApplicationObject::QtApplicationObject(std::shared_ptr<NotificationCenterPort> notifications)
-    : notifications_(std::move(notifications)) {}
+    : notifications_(std::move(notifications)) {
+    // The program becomes active whenever one of its windows gets the focus, whoever gave it.
+    stateConnection_ = QObject::connect(
+        qApp, &QGuiApplication::applicationStateChanged, [this](Qt::ApplicationState state) {
+            if (state == Qt::ApplicationActive) {
+                notifications_->postNotification(
+                    PlatformNotification{applicationDidBecomeActiveNotification});
+            }
+        });
+}
+
+QtApplicationObject::~QtApplicationObject() {
+    QObject::disconnect(stateConnection_);
+}
 
 std::vector<PlatformWindowHandle> QtApplicationObject::windows() const {
     std::vector<PlatformWindowHandle> handles;
@@ -73,7 +87,8 @@ void QtApplicationObject::terminate() {
 }
 
 void QtApplicationObject::activate() {
-    notifications_->postNotification(PlatformNotification{applicationDidBecomeActiveNotification});
+    // A program in the background can't take the focus on X11; the window it shows next asks the
+    // window manager for it, and the focus it gets makes the program active.
 }
 
 PlatformWindowHandle QtApplicationObject::makeWindow(std::shared_ptr<HostedView> content) {
@@ -105,9 +120,30 @@ void QtApplicationObject::setTitle(PlatformWindowHandle window, const std::strin
 }
 
 void QtApplicationObject::setStyleMask(PlatformWindowHandle window, std::uint64_t styleMask) {
-    if (auto found = windows_.find(window); found != windows_.end()) {
-        found->second.styleMask = styleMask;
+    auto found = windows_.find(window);
+    if (found == windows_.end()) {
+        return;
     }
+    found->second.styleMask = styleMask;
+    auto* widget = found->second.widget.data();
+    if (widget == nullptr) {
+        return;
+    }
+    // Only the buttons the mask allows: the window manager reads them from the window's hints.
+    Qt::WindowFlags flags = Qt::Window | Qt::CustomizeWindowHint;
+    if ((styleMask & window_style_mask::titled) != 0) {
+        flags |= Qt::WindowTitleHint;
+    }
+    if ((styleMask & window_style_mask::closable) != 0) {
+        flags |= Qt::WindowCloseButtonHint;
+    }
+    if ((styleMask & window_style_mask::miniaturizable) != 0) {
+        flags |= Qt::WindowMinimizeButtonHint;
+    }
+    if ((styleMask & window_style_mask::resizable) != 0) {
+        flags |= Qt::WindowMaximizeButtonHint;
+    }
+    widget->setWindowFlags(flags);
 }
 
 void QtApplicationObject::center(PlatformWindowHandle window) {

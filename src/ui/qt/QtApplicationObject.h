@@ -20,7 +20,12 @@ namespace orvane {
 
 class QtApplicationObject final : public ApplicationPort {
   public:
+    // Posts `applicationDidBecomeActiveNotification` whenever a window of the program gets the
+    // focus.
     explicit QtApplicationObject(std::shared_ptr<NotificationCenterPort> notifications);
+    ~QtApplicationObject() override;
+    QtApplicationObject(const QtApplicationObject&) = delete;
+    QtApplicationObject& operator=(const QtApplicationObject&) = delete;
 
     std::vector<PlatformWindowHandle> windows() const override;
     void setActivationPolicy(ApplicationActivationPolicy policy) override;
@@ -77,6 +82,7 @@ class QtApplicationObject final : public ApplicationPort {
     ApplicationActivationPolicy policy_ = ApplicationActivationPolicy::accessory;
     std::function<void()> settingsWindowOpener_;
     std::function<void(std::optional<ImageHandle>)> aboutPanelPresenter_;
+    QMetaObject::Connection stateConnection_;
 };
 
 }  // namespace orvane

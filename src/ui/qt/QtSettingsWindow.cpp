@@ -11,8 +11,10 @@
 #include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QSignalBlocker>
 #include <QToolButton>
 #include <QVBoxLayout>
+#include <string>
 #include <type_traits>
 #include <utility>
 #include <variant>
@@ -37,11 +39,10 @@ QLabel* footnote(const QString& value) {
     return label;
 }
 
-QLabel* badge(const PermissionStatusBadge& status) {
+void applyBadge(QLabel* label, const PermissionStatusBadge& status, const Wording& wording) {
     const char* rgb = status.color() == BadgeColor::green ? "52, 168, 83" : "240, 140, 0";
-    auto* label = new QLabel(
-        QString::fromUtf8(status.isGranted ? "✔ " : "⚠ ") +
-        QString::fromUtf8(status.text().data(), static_cast<qsizetype>(status.text().size())));
+    label->setText(QString::fromUtf8(status.isGranted ? "✔ " : "⚠ ") +
+                   text(wording, std::string(status.text())));
     label->setStyleSheet(
         QStringLiteral("QLabel { color: rgb(%1); background: rgba(%1, %2); border: %3px solid "
                        "rgba(%1, %4); border-radius: 9px; padding: %5px %6px; font-weight: 500; }")
@@ -51,12 +52,62 @@ QLabel* badge(const PermissionStatusBadge& status) {
             .arg(PermissionStatusBadge::outlineOpacity)
             .arg(PermissionStatusBadge::verticalPadding)
             .arg(PermissionStatusBadge::horizontalPadding));
-    return label;
 }
 
-// One pane's content as widgets; every control calls back into the pane by its label.
+void applyButton(QPushButton* control, const PaneButton& item, const Wording& wording) {
+    control->setEnabled(item.isEnabled);
+    control->setToolTip(text(wording, item.tooltip));
+}
+
+// What a control is, apart from the state it shows: two contents of the same shape differ only
+// in what existing widgets can show, so the widgets stay and the focus with them.
+std::string shapeOf(const PaneRow& row) {
+    return std::visit(
+        [index = row.index()](const auto& item) -> std::string {
+            using Item = std::decay_t<decltype(item)>;
+            std::string key = std::to_string(index) + ":";
+            if constexpr (std::is_same_v<Item, PaneToggle>) {
+                return key + item.label;
+            } else if constexpr (std::is_same_v<Item, PanePicker>) {
+                std::string segments;
+                for (const auto& segment : item.segments) {
+                    segments += segment + "|";
+                }
+                return key + item.label + "=" + segments;
+            } else if constexpr (std::is_same_v<Item, PaneKeyCap>) {
+                return key + item.title;
+            } else if constexpr (std::is_same_v<Item, PaneValue>) {
+                return key + item.label;
+            } else if constexpr (std::is_same_v<Item, PaneActionRow>) {
+                return key + item.title + (item.badge ? "+badge|" : "|") + item.button.title;
+            } else {
+                return key + item.title;
+            }
+        },
+        row);
+}
+
+std::vector<std::string> shapeOf(const PreferencesPaneContent& content) {
+    std::vector<std::string> shape{std::to_string(static_cast<int>(content.style))};
+    for (const auto& section : content.sections) {
+        shape.push_back("section:" + section.header + (section.description.empty() ? "" : "+"));
+        for (const auto& row : section.rows) {
+            shape.push_back(shapeOf(row));
+        }
+        for (const auto& item : section.footer) {
+            const auto* button = std::get_if<PaneButton>(&item);
+            shape.push_back(button ? "footer-button:" + button->title : "footnote");
+        }
+    }
+    return shape;
+}
+
+// One pane's content as widgets; every control calls back into the pane by its label. Each
+// widget that shows state gets an updater, which later contents of the same shape go through.
 class PaneBuilder {
   public:
+    using Updater = std::function<void(const PreferencesPaneContent&)>;
+
     PaneBuilder(PreferencesPaneView& pane, const Wording& wording)
         : pane_(pane), wording_(wording) {}
 
@@ -67,7 +118,8 @@ class PaneBuilder {
         column->setContentsMargins(ReferenceCardLayout::margin, ReferenceCardLayout::margin,
                                    ReferenceCardLayout::margin, ReferenceCardLayout::margin);
         column->setSpacing(static_cast<int>(ReferenceCardLayout::sectionSpacing));
-        for (const auto& section : content.sections) {
+        for (std::size_t sectionIndex = 0; sectionIndex < content.sections.size(); ++sectionIndex) {
+            const auto& section = content.sections[sectionIndex];
             auto* part = new QVBoxLayout;
             part->setSpacing(static_cast<int>(ReferenceCardLayout::partSpacing));
             auto* header = new QLabel(text(wording_, section.header));
@@ -76,27 +128,48 @@ class PaneBuilder {
             header->setFont(font);
             part->addWidget(header);
             if (!section.description.empty()) {
-                part->addWidget(footnote(text(wording_, section.description)));
+                auto* description = footnote(text(wording_, section.description));
+                part->addWidget(description);
+                updaters_.push_back([&wording = wording_, description,
+                                     sectionIndex](const auto& later) {
+                    description->setText(text(wording, later.sections[sectionIndex].description));
+                });
             }
-            auto* box = new QFrame;
-            box->setFrameShape(QFrame::StyledPanel);
-            auto* rows = new QVBoxLayout(box);
-            rows->setSpacing(static_cast<int>(ReferenceCardLayout::rowSpacing));
-            if (card) {
-                rows->setContentsMargins(8, ReferenceCardLayout::boxVerticalMargin, 8,
-                                         ReferenceCardLayout::boxVerticalMargin);
+            if (!section.rows.empty()) {
+                auto* box = new QFrame;
+                box->setFrameShape(QFrame::StyledPanel);
+                auto* rows = new QVBoxLayout(box);
+                rows->setSpacing(static_cast<int>(ReferenceCardLayout::rowSpacing));
+                if (card) {
+                    rows->setContentsMargins(8, ReferenceCardLayout::boxVerticalMargin, 8,
+                                             ReferenceCardLayout::boxVerticalMargin);
+                }
+                for (std::size_t rowIndex = 0; rowIndex < section.rows.size(); ++rowIndex) {
+                    rows->addLayout(std::visit(
+                        [&](const auto& item) { return this->row(item, sectionIndex, rowIndex); },
+                        section.rows[rowIndex]));
+                }
+                part->addWidget(box);
             }
-            for (const auto& row : section.rows) {
-                rows->addLayout(
-                    std::visit([this](const auto& item) { return this->row(item); }, row));
-            }
-            part->addWidget(box);
-            for (const auto& item : section.footer) {
+            for (std::size_t itemIndex = 0; itemIndex < section.footer.size(); ++itemIndex) {
+                const auto& item = section.footer[itemIndex];
                 if (const auto* note = std::get_if<PaneFootnote>(&item)) {
-                    part->addWidget(footnote(text(wording_, note->text)));
+                    auto* label = footnote(text(wording_, note->text));
+                    part->addWidget(label);
+                    updaters_.push_back(
+                        [&wording = wording_, label, sectionIndex, itemIndex](const auto& later) {
+                            const auto& footer = later.sections[sectionIndex].footer[itemIndex];
+                            label->setText(text(wording, std::get<PaneFootnote>(footer).text));
+                        });
                 } else {
                     auto* line = new QHBoxLayout;
-                    line->addWidget(button(std::get<PaneButton>(item)));
+                    auto* control = button(std::get<PaneButton>(item));
+                    updaters_.push_back(
+                        [&wording = wording_, control, sectionIndex, itemIndex](const auto& later) {
+                            const auto& footer = later.sections[sectionIndex].footer[itemIndex];
+                            applyButton(control, std::get<PaneButton>(footer), wording);
+                        });
+                    line->addWidget(control);
                     line->addStretch();
                     part->addLayout(line);
                 }
@@ -107,11 +180,18 @@ class PaneBuilder {
         return page;
     }
 
+    std::vector<Updater> takeUpdaters() { return std::move(updaters_); }
+
   private:
+    template <typename Item>
+    static const Item& rowOf(const PreferencesPaneContent& content, std::size_t section,
+                             std::size_t row) {
+        return std::get<Item>(content.sections[section].rows[row]);
+    }
+
     QPushButton* button(const PaneButton& item) {
         auto* control = new QPushButton(text(wording_, item.title));
-        control->setEnabled(item.isEnabled);
-        control->setToolTip(text(wording_, item.tooltip));
+        applyButton(control, item, wording_);
         if (item.isSmall) {
             auto font = control->font();
             font.setPointSizeF(font.pointSizeF() * 0.85);
@@ -122,14 +202,18 @@ class PaneBuilder {
         return control;
     }
 
-    QHBoxLayout* titled(const std::string& title) {
+    QHBoxLayout* titled(const std::string& title, QLabel** label = nullptr) {
         auto* line = new QHBoxLayout;
-        line->addWidget(new QLabel(text(wording_, title)));
+        auto* heading = new QLabel(text(wording_, title));
+        line->addWidget(heading);
         line->addStretch();
+        if (label != nullptr) {
+            *label = heading;
+        }
         return line;
     }
 
-    QHBoxLayout* row(const PaneToggle& item) {
+    QHBoxLayout* row(const PaneToggle& item, std::size_t section, std::size_t index) {
         auto* line = new QHBoxLayout;
         auto* control = new QCheckBox(text(wording_, item.label));
         control->setChecked(item.isOn);
@@ -137,40 +221,54 @@ class PaneBuilder {
         QObject::connect(
             control, &QCheckBox::toggled,
             [&pane = pane_, label = item.label](bool on) { pane.setToggle(label, on); });
+        updaters_.push_back([control, section, index](const auto& later) {
+            const auto& toggle = rowOf<PaneToggle>(later, section, index);
+            const QSignalBlocker quiet(control);
+            control->setChecked(toggle.isOn);
+            control->setEnabled(toggle.isEnabled);
+        });
         line->addWidget(control);
         line->addStretch();
         return line;
     }
 
-    QHBoxLayout* row(const PanePicker& item) {
+    QHBoxLayout* row(const PanePicker& item, std::size_t section, std::size_t index) {
         auto* line = titled(item.label);
         auto* segments = new QWidget;
         auto* buttons = new QHBoxLayout(segments);
         buttons->setContentsMargins(0, 0, 0, 0);
         buttons->setSpacing(0);
         auto* group = new QButtonGroup(segments);
-        for (std::size_t index = 0; index < item.segments.size(); ++index) {
-            auto* segment = new QToolButton;
-            segment->setText(text(wording_, item.segments[index]));
-            segment->setCheckable(true);
-            segment->setChecked(index == item.selectedIndex);
-            segment->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-            group->addButton(segment, static_cast<int>(index));
-            buttons->addWidget(segment);
+        for (std::size_t segment = 0; segment < item.segments.size(); ++segment) {
+            auto* control = new QToolButton;
+            control->setText(text(wording_, item.segments[segment]));
+            control->setCheckable(true);
+            control->setChecked(segment == item.selectedIndex);
+            control->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+            group->addButton(control, static_cast<int>(segment));
+            buttons->addWidget(control);
         }
         if (item.maximumWidth) {
             segments->setMaximumWidth(static_cast<int>(*item.maximumWidth));
         }
         QObject::connect(group, &QButtonGroup::idClicked,
-                         [&pane = pane_, label = item.label](int index) {
-                             pane.pick(label, static_cast<std::size_t>(index));
+                         [&pane = pane_, label = item.label](int segment) {
+                             pane.pick(label, static_cast<std::size_t>(segment));
                          });
+        updaters_.push_back([group, section, index](const auto& later) {
+            const auto selected = rowOf<PanePicker>(later, section, index).selectedIndex;
+            if (auto* control = group->button(static_cast<int>(selected))) {
+                const QSignalBlocker quiet(group);
+                control->setChecked(true);
+            }
+        });
         line->addWidget(segments);
         return line;
     }
 
-    QHBoxLayout* row(const PaneKeyCap& item) {
-        auto* line = titled(item.title);
+    QHBoxLayout* row(const PaneKeyCap& item, std::size_t section, std::size_t index) {
+        QLabel* title = nullptr;
+        auto* line = titled(item.title, &title);
         auto* cap = new QLabel(text(wording_, item.keyCap));
         cap->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
         cap->setAlignment(Qt::AlignCenter);
@@ -181,47 +279,77 @@ class PaneBuilder {
                                .arg(ReferenceCardLayout::keyCapVerticalPadding)
                                .arg(ReferenceCardLayout::keyCapHorizontalPadding));
         line->addWidget(cap);
-        if (item.isDimmed) {
-            for (int index = 0; index < line->count(); ++index) {
-                if (auto* widget = line->itemAt(index)->widget()) {
-                    auto* effect = new QGraphicsOpacityEffect(widget);
-                    effect->setOpacity(ReferenceCardLayout::dimmedOpacity);
-                    widget->setGraphicsEffect(effect);
-                }
-            }
+        std::vector<QGraphicsOpacityEffect*> effects;
+        for (auto* widget : {static_cast<QWidget*>(title), static_cast<QWidget*>(cap)}) {
+            auto* effect = new QGraphicsOpacityEffect(widget);
+            widget->setGraphicsEffect(effect);
+            effects.push_back(effect);
         }
+        // A dimmed row has its title in the secondary colour, and the whole row half opaque.
+        auto apply = [&wording = wording_, title, cap, effects](const PaneKeyCap& later) {
+            cap->setText(text(wording, later.keyCap));
+            title->setForegroundRole(later.isDimmed ? QPalette::PlaceholderText
+                                                    : QPalette::WindowText);
+            for (auto* effect : effects) {
+                effect->setOpacity(later.isDimmed ? ReferenceCardLayout::dimmedOpacity : 1.0);
+            }
+        };
+        apply(item);
+        updaters_.push_back([apply, section, index](const auto& later) {
+            apply(rowOf<PaneKeyCap>(later, section, index));
+        });
         return line;
     }
 
-    QHBoxLayout* row(const PaneValue& item) {
+    QHBoxLayout* row(const PaneValue& item, std::size_t section, std::size_t index) {
         auto* line = titled(item.label);
         auto* value = new QLabel(text(wording_, item.value));
         value->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        updaters_.push_back([&wording = wording_, value, section, index](const auto& later) {
+            value->setText(text(wording, rowOf<PaneValue>(later, section, index).value));
+        });
         line->addWidget(value);
         return line;
     }
 
-    QHBoxLayout* row(const PaneActionRow& item) {
+    QHBoxLayout* row(const PaneActionRow& item, std::size_t section, std::size_t index) {
         auto* line = new QHBoxLayout;
         line->setSpacing(12);
         line->addWidget(new QLabel(text(wording_, item.title)));
+        QLabel* status = nullptr;
         if (item.badge) {
-            line->addWidget(badge(*item.badge));
+            status = new QLabel;
+            applyBadge(status, *item.badge, wording_);
+            line->addWidget(status);
         }
         line->addStretch();
-        line->addWidget(button(item.button));
+        auto* control = button(item.button);
+        line->addWidget(control);
+        updaters_.push_back(
+            [&wording = wording_, status, control, section, index](const auto& later) {
+                const auto& action = rowOf<PaneActionRow>(later, section, index);
+                if (status != nullptr && action.badge) {
+                    applyBadge(status, *action.badge, wording);
+                }
+                applyButton(control, action.button, wording);
+            });
         return line;
     }
 
-    QHBoxLayout* row(const PaneButton& item) {
+    QHBoxLayout* row(const PaneButton& item, std::size_t section, std::size_t index) {
         auto* line = new QHBoxLayout;
-        line->addWidget(button(item));
+        auto* control = button(item);
+        updaters_.push_back([&wording = wording_, control, section, index](const auto& later) {
+            applyButton(control, rowOf<PaneButton>(later, section, index), wording);
+        });
+        line->addWidget(control);
         line->addStretch();
         return line;
     }
 
     PreferencesPaneView& pane_;
     const Wording& wording_;
+    std::vector<Updater> updaters_;
 };
 
 std::size_t indexOf(SettingsPane pane) {
@@ -286,11 +414,31 @@ void QtSettingsWindow::scheduleRedraw(SettingsPane pane) {
 }
 
 void QtSettingsWindow::redraw(SettingsPane pane) {
+    auto& view = view_->pane(pane);
+    auto content = view.content();
+    auto& drawn = drawn_[indexOf(pane)];
+    // Widgets are replaced only when the pane's shape changed: a poll that finds nothing new
+    // leaves everything alone, and one that does updates the widgets in place, so the keyboard
+    // focus and a tooltip survive it.
+    if (drawn) {
+        if (drawn->content == content) {
+            return;
+        }
+        if (shapeOf(drawn->content) == shapeOf(content)) {
+            for (const auto& update : drawn->updaters) {
+                update(content);
+            }
+            drawn->content = std::move(content);
+            return;
+        }
+    }
     auto* scroll = static_cast<QScrollArea*>(tabs_->widget(static_cast<int>(indexOf(pane))));
     const int position = scroll->verticalScrollBar()->value();
-    auto& view = view_->pane(pane);
-    scroll->setWidget(PaneBuilder(view, wording_).build(view.content()));
+    PaneBuilder builder(view, wording_);
+    scroll->setWidget(builder.build(content));
     scroll->verticalScrollBar()->setValue(position);
+    drawn = DrawnPane{std::move(content), builder.takeUpdaters()};
+    ++rebuildCount_;
 }
 
 void QtSettingsWindow::showEvent(QShowEvent* event) {

@@ -8,6 +8,8 @@
 #include <array>
 #include <functional>
 #include <memory>
+#include <optional>
+#include <vector>
 
 #include "app/SettingsView.h"
 #include "core/Wording.h"
@@ -22,7 +24,10 @@ class QtSettingsWindow final : public QWidget {
     ~QtSettingsWindow() override;
 
     // Draws the pane again on the next turn of the event loop, once however often it is asked.
+    // Only what changed is redrawn; widgets are rebuilt only when the pane's shape changed.
     void scheduleRedraw(SettingsPane pane);
+    // How often a pane's widgets were built anew, the first drawing of each included.
+    int rebuildCount() const { return rebuildCount_; }
 
   protected:
     void showEvent(QShowEvent* event) override;
@@ -31,12 +36,20 @@ class QtSettingsWindow final : public QWidget {
   private:
     void redraw(SettingsPane pane);
 
+    // What a pane's widgets show, and how to bring them to a later content of the same shape.
+    struct DrawnPane {
+        PreferencesPaneContent content;
+        std::vector<std::function<void(const PreferencesPaneContent&)>> updaters;
+    };
+
     std::shared_ptr<SettingsView> view_;
     Wording wording_;
     std::function<void()> onShow_;
     std::function<void()> onClose_;
     QTabWidget* tabs_;
     std::array<bool, 3> redrawPending_{};
+    std::array<std::optional<DrawnPane>, 3> drawn_{};
+    int rebuildCount_ = 0;
     std::array<ObservationToken, 3> redrawObservations_{};
     ObservationToken selectionObservation_ = 0;
 };

@@ -15,7 +15,8 @@ struct Symbol {
     QStyle::StandardPixmap fallback;
 };
 
-constexpr std::array<Symbol, 9> symbols{{
+constexpr std::array<Symbol, 10> symbols{{
+    {"rectangle.2.swap", "orvane", QStyle::SP_DesktopIcon},
     {"checkmark", "object-select", QStyle::SP_DialogApplyButton},
     {"gearshape", "preferences-system", QStyle::SP_FileDialogDetailedView},
     {"keyboard", "input-keyboard", QStyle::SP_ComputerIcon},
@@ -23,7 +24,8 @@ constexpr std::array<Symbol, 9> symbols{{
     {"checkmark.circle.fill", "emblem-ok", QStyle::SP_DialogApplyButton},
     {"exclamationmark.triangle.fill", "dialog-warning", QStyle::SP_MessageBoxWarning},
     {"lock.shield", "security-high", QStyle::SP_MessageBoxInformation},
-    {"accessibility.fill", "preferences-desktop-accessibility", QStyle::SP_TitleBarNormalButton},
+    // The permission stands for the keyboard shortcut here.
+    {"accessibility.fill", "input-keyboard", QStyle::SP_ComputerIcon},
     {"rectangle.dashed.badge.record", "media-record", QStyle::SP_DesktopIcon},
 }};
 
@@ -46,6 +48,10 @@ QIcon QtSymbols::icon(std::string_view symbol) {
     auto themed = QIcon::fromTheme(QString::fromLatin1(found->freedesktopName));
     if (!themed.isNull() || QApplication::style() == nullptr) {
         return themed;
+    }
+    // The program's own mark, compiled in, where no theme has it installed.
+    if (found->name == "rectangle.2.swap") {
+        return QIcon(QStringLiteral(":/orvane/orvane.svg"));
     }
     return QApplication::style()->standardIcon(found->fallback);
 }

@@ -4,6 +4,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QShortcut>
 #include <QVBoxLayout>
 #include <utility>
 
@@ -74,6 +75,15 @@ QtWelcomeWindow::QtWelcomeWindow(std::shared_ptr<PermissionOnboardingView> view,
     tableObservation_ = view_->permissionStatusCoordinator()->statusByCapability().subscribe(
         [this](const auto&) { scheduleRedraw(); });
     redraw();
+    // Return is the default action wherever the focus stands, as in a dialog; a plain widget's
+    // default button answers no key by itself.
+    for (const auto key : {Qt::Key_Return, Qt::Key_Enter}) {
+        new QShortcut(QKeySequence(key), this, [this] {
+            if (defaultButton_ != nullptr && defaultButton_->isEnabled()) {
+                defaultButton_->click();
+            }
+        });
+    }
 }
 
 QtWelcomeWindow::~QtWelcomeWindow() {
@@ -104,7 +114,8 @@ void QtWelcomeWindow::redraw() {
     column->setContentsMargins(margin, static_cast<int>(metrics.iconTopMargin), margin,
                                static_cast<int>(metrics.buttonsBottomMargin));
     column->setSpacing(static_cast<int>(metrics.headerLineSpacing));
-    auto* icon = symbol(content.icon, 48);
+    const auto* iconSize = std::get_if<OnboardingPointSize>(&content.icon.font.size);
+    auto* icon = symbol(content.icon, iconSize ? static_cast<int>(iconSize->points) : 56);
     column->addWidget(icon, 0, Qt::AlignHCenter);
     for (const auto* text : {&content.title, &content.subtitle}) {
         auto* line = label(*text, wording_, font());
@@ -175,6 +186,9 @@ void QtWelcomeWindow::redraw() {
         QObject::connect(button, &QPushButton::clicked, [this, isDefault] {
             isDefault ? view_->pressContinue() : view_->pressNotNow();
         });
+        if (isDefault) {
+            defaultButton_ = button;
+        }
         buttons->addWidget(button);
     }
     column->addLayout(buttons);

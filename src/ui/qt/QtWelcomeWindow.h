@@ -3,6 +3,7 @@
 // changes or a row's button is pressed.
 #pragma once
 
+#include <QPushButton>
 #include <QWidget>
 #include <functional>
 #include <memory>
@@ -30,6 +31,8 @@ class QtWelcomeWindow final : public QWidget {
     Wording wording_;
     std::function<void()> onUserClose_;
     QWidget* page_ = nullptr;
+    // The button of the default action in the page drawn last.
+    QPushButton* defaultButton_ = nullptr;
     bool redrawPending_ = false;
     ObservationToken tableObservation_ = 0;
 };
