@@ -217,6 +217,11 @@ std::vector<std::uint32_t> DesktopSession::cardinals(xcb_window_t window, xcb_at
     return values;
 }
 
+std::vector<std::uint32_t> DesktopSession::cardinalProperty(xcb_window_t window,
+                                                           const char* name) {
+    return cardinals(window, atom(name));
+}
+
 DesktopSession::Client DesktopSession::startClient(const std::string& title, std::uint32_t colour,
                                                    bool absurd) {
     char hex[16];

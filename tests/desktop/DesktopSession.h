@@ -67,6 +67,8 @@ class DesktopSession {
     void moveToDesktop(xcb_window_t window, std::uint32_t desktop);
     std::uint32_t currentDesktop();
     bool isMinimized(xcb_window_t window);
+    // A property of 32-bit items (cardinals, atoms, windows) of a window, by the property's name.
+    std::vector<std::uint32_t> cardinalProperty(xcb_window_t window, const char* name);
     // The overlay: the override-redirect window the program shows, when on screen.
     std::optional<xcb_window_t> overlayWindow();
     // Pixels of a window's area of the screen, 0xRRGGBB each, row by row; saved as PNG too.
