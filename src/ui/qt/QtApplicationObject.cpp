@@ -23,6 +23,8 @@ QtApplicationObject::QtApplicationObject(std::shared_ptr<NotificationCenterPort>
     stateConnection_ = QObject::connect(
         qApp, &QGuiApplication::applicationStateChanged, [this](Qt::ApplicationState state) {
             if (state == Qt::ApplicationActive) {
+                Logger::forCategory(LogCategory::lifecycle)
+                    .debug("a window of Orvane has the focus: the program is active");
                 notifications_->postNotification(
                     PlatformNotification{applicationDidBecomeActiveNotification});
             }
