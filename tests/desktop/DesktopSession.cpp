@@ -217,8 +217,7 @@ std::vector<std::uint32_t> DesktopSession::cardinals(xcb_window_t window, xcb_at
     return values;
 }
 
-std::vector<std::uint32_t> DesktopSession::cardinalProperty(xcb_window_t window,
-                                                           const char* name) {
+std::vector<std::uint32_t> DesktopSession::cardinalProperty(xcb_window_t window, const char* name) {
     return cardinals(window, atom(name));
 }
 
