@@ -219,6 +219,8 @@ void DesktopProgram::showAboutPanel(const std::optional<ImageHandle>& icon) {
                                       .arg(QStringLiteral(ORVANE_VERSION)),
                                   QMessageBox::Close);
     panel->setAttribute(Qt::WA_DeleteOnClose);
+    // A message box blocks the whole program by default, the tray menu included.
+    panel->setWindowModality(Qt::NonModal);
     if (icon) {
         panel->setIconPixmap(QPixmap::fromImage(image(*icon))
                                  .scaled(96, 96, Qt::KeepAspectRatio, Qt::SmoothTransformation));

@@ -363,6 +363,13 @@ TEST_F(DesktopEndToEndTest, TheTrayMenuOpensSettingsAndQuitsAndASecondStartReope
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
     EXPECT_TRUE(settingsTitled("General"));
 
+    // "About Orvane" asked twice shows one About box, brought forward again.
+    chooseFromTray({"Down", "Return"});
+    ASSERT_TRUE(session->windowTitled("About Orvane").has_value()) << session->programLog();
+    chooseFromTray({"Down", "Return"});
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    EXPECT_EQ(session->windowsTitled("About Orvane").size(), 1u);
+
     // Up wraps round to the last entry, "Quit Orvane": the program ends, Settings open or not.
     chooseFromTray({"Up", "Return"});
     EXPECT_TRUE(DesktopSession::waitFor([] { return session->programEnded(); }))

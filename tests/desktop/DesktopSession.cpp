@@ -353,22 +353,30 @@ void DesktopSession::close(xcb_window_t window) {
     waitFor([&] { return !isManaged(window); });
 }
 
+std::vector<xcb_window_t> DesktopSession::windowsTitled(const std::string& title) {
+    std::vector<xcb_window_t> found;
+    for (auto window : cardinals(root_, atom("_NET_CLIENT_LIST"))) {
+        auto* reply =
+            xcb_get_property_reply(connection_,
+                                   xcb_get_property(connection_, 0, window, atom("_NET_WM_NAME"),
+                                                    XCB_GET_PROPERTY_TYPE_ANY, 0, 1024),
+                                   nullptr);
+        if (reply != nullptr &&
+            std::string(static_cast<const char*>(xcb_get_property_value(reply)),
+                        static_cast<std::size_t>(xcb_get_property_value_length(reply))) == title) {
+            found.push_back(window);
+        }
+        std::free(reply);
+    }
+    return found;
+}
+
 std::optional<xcb_window_t> DesktopSession::windowTitled(const std::string& title) {
     std::optional<xcb_window_t> found;
     waitFor([&] {
-        for (auto window : cardinals(root_, atom("_NET_CLIENT_LIST"))) {
-            auto* reply = xcb_get_property_reply(
-                connection_,
-                xcb_get_property(connection_, 0, window, atom("_NET_WM_NAME"),
-                                 XCB_GET_PROPERTY_TYPE_ANY, 0, 1024),
-                nullptr);
-            if (reply != nullptr &&
-                std::string(static_cast<const char*>(xcb_get_property_value(reply)),
-                            static_cast<std::size_t>(xcb_get_property_value_length(reply))) ==
-                    title) {
-                found = window;
-            }
-            std::free(reply);
+        const auto windows = windowsTitled(title);
+        if (!windows.empty()) {
+            found = windows.back();
         }
         return found.has_value();
     });

@@ -61,6 +61,8 @@ class DesktopSession {
     void close(xcb_window_t window);
     // The client window whose _NET_WM_NAME is `title`, once the window manager lists it.
     std::optional<xcb_window_t> windowTitled(const std::string& title);
+    // Every client window the window manager lists with that title, now.
+    std::vector<xcb_window_t> windowsTitled(const std::string& title);
     // Sets the keyboard layout with setxkbmap ("us", "dk"), as a user's settings would.
     void setLayout(const std::string& layout);
     // Moves a window to another virtual desktop, as a pager would.

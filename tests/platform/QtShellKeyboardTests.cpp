@@ -4,8 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QLabel>
 #include <QMenu>
 #include <QTest>
+#include <algorithm>
 #include <memory>
 
 #include "app/OrvaneApp.h"
@@ -87,6 +89,12 @@ TEST_F(QtShellKeyboardTest, TheWelcomeWindowAnswersTabSpaceReturnAndEscape) {
     window.show();
     window.activateWindow();
     settle();
+    // The program's mark heads the window at the size of its symbol, 56 points.
+    const auto labels = window.findChildren<QLabel*>();
+    const auto mark = std::find_if(labels.begin(), labels.end(),
+                                   [](QLabel* label) { return !label->pixmap().isNull(); });
+    ASSERT_NE(mark, labels.end());
+    EXPECT_EQ((*mark)->pixmap().width(), 56);
 
     // Tab reaches the row's button; Space presses it, which asks again.
     QPushButton* focused = nullptr;
