@@ -59,9 +59,16 @@ int main(int argc, char** argv) {
                      "windows of X11 programs (XWayland)\n";
     }
     // Qt draws through the X server the program switches windows on, whatever the environment
-    // prefers.
+    // prefers; the programs Orvane starts get the environment it was given.
+    const bool platformWasSet = qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
+    const auto givenPlatform = qgetenv("QT_QPA_PLATFORM");
     qputenv("QT_QPA_PLATFORM", "xcb");
     QApplication application(argc, argv);
+    if (platformWasSet) {
+        qputenv("QT_QPA_PLATFORM", givenPlatform);
+    } else {
+        qunsetenv("QT_QPA_PLATFORM");
+    }
     QApplication::setApplicationName(QStringLiteral("Orvane"));
     QApplication::setDesktopFileName(QStringLiteral("orvane"));
     QApplication::setQuitOnLastWindowClosed(false);

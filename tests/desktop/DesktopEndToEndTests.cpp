@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <deque>
 #include <fstream>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <regex>
@@ -199,6 +200,14 @@ TEST_F(DesktopEndToEndTest, TheLauncherOpensAnInstalledApplicationTypedInAnyLayo
     session->setLayout("us");
     ASSERT_TRUE(opened.has_value()) << session->programLog();
     EXPECT_TRUE(becomesActive(*opened));
+    // It runs in the environment Orvane was given, not the one Orvane set for its own Qt.
+    const auto pid = session->cardinalProperty(*opened, "_NET_WM_PID");
+    ASSERT_EQ(pid.size(), 1u);
+    std::ifstream environ("/proc/" + std::to_string(pid[0]) + "/environ");
+    const std::string environment((std::istreambuf_iterator<char>(environ)),
+                                  std::istreambuf_iterator<char>());
+    EXPECT_NE(environment.find("DISPLAY="), std::string::npos);
+    EXPECT_EQ(environment.find("QT_QPA_PLATFORM"), std::string::npos);
     const auto log = session->programLog();
     EXPECT_NE(log.find("launching application Æble Pad"), std::string::npos);
     EXPECT_NE(
