@@ -131,6 +131,11 @@ DesktopProgram::DesktopProgram(std::unique_ptr<X11Connection> connection)
         std::make_unique<QSocketNotifier>(connection_->fileDescriptor(), QSocketNotifier::Read);
     QObject::connect(notifier_.get(), &QSocketNotifier::activated,
                      [this] { connection_->dispatchPendingEvents(); });
+    // Without its X server the program has nothing left to do.
+    connection_->setLostHandler([this] {
+        notifier_->setEnabled(false);
+        QCoreApplication::exit(1);
+    });
     aboutToBlock_ = QObject::connect(QAbstractEventDispatcher::instance(),
                                      &QAbstractEventDispatcher::aboutToBlock, [this] {
                                          connection_->dispatchPendingEvents();

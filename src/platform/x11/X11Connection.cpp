@@ -84,6 +84,9 @@ void X11Connection::noteEventTime(xcb_timestamp_t time) {
 }
 
 void X11Connection::dispatchPendingEvents() {
+    if (lost_) {
+        return;
+    }
     while (xcb_generic_event_t* event = xcb_poll_for_event(connection_)) {
         if (event->response_type == 0) {
             const auto* error = reinterpret_cast<const xcb_generic_error_t*>(event);
@@ -98,8 +101,13 @@ void X11Connection::dispatchPendingEvents() {
         }
         std::free(event);
     }
+    // Said once: a dead connection reads as readable for ever after.
     if (xcb_connection_has_error(connection_) != 0) {
+        lost_ = true;
         log().error("the connection to the X display is lost");
+        if (lostHandler_) {
+            lostHandler_();
+        }
     }
 }
 

@@ -40,6 +40,9 @@ class X11Connection {
     // requests whose window vanished meanwhile are expected on a desktop: they are logged at debug
     // level and absorbed.
     void dispatchPendingEvents();
+    // Called once when the connection breaks (the X server went away); nothing is read after.
+    void setLostHandler(std::function<void()> handler) { lostHandler_ = std::move(handler); }
+    bool isLost() const { return lost_; }
     void flush() { xcb_flush(connection_); }
 
     // The time of the last event that carried one: the timestamp window-manager requests need.
@@ -71,6 +74,8 @@ class X11Connection {
     std::vector<EventListener> listeners_;
     std::vector<std::pair<std::string, xcb_atom_t>> atoms_;
     xcb_timestamp_t lastEventTime_ = XCB_CURRENT_TIME;
+    bool lost_ = false;
+    std::function<void()> lostHandler_;
 };
 
 }  // namespace orvane
