@@ -328,6 +328,35 @@ TEST_F(DesktopEndToEndTest, AChordHeldElsewhereComesUpOnceFreed) {
     EXPECT_EQ(macOSWordIn(session->programLog()), "");
 }
 
+// Two starts at the same moment (autostart and a click in the menu): one runs, the other hands
+// its start over to it and ends.
+TEST_F(DesktopEndToEndTest, TwoStartsAtOnceLeaveOneRunning) {
+    session->stopProgram();
+    std::vector<pid_t> starts;
+    for (const auto* log : {"first.log", "second.log"}) {
+        starts.push_back(session->spawn({ORVANE_PROGRAM_PATH}, session->folder() / log));
+    }
+    int status = -1;
+    pid_t ended = 0;
+    ASSERT_TRUE(DesktopSession::waitFor(
+        [&] {
+            for (auto start : starts) {
+                if (::waitpid(start, &status, WNOHANG) == start) {
+                    ended = start;
+                }
+            }
+            return ended != 0;
+        },
+        std::chrono::milliseconds(8000)));
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    const auto running = starts[0] == ended ? starts[1] : starts[0];
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    EXPECT_EQ(::waitpid(running, &status, WNOHANG), 0) << "the other one runs on";
+    ::kill(running, SIGTERM);
+    ::waitpid(running, &status, 0);
+    session->startProgram();
+}
+
 }  // namespace
 }  // namespace orvane::testing
 
