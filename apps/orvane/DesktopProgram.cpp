@@ -51,6 +51,18 @@ DesktopProgram::DesktopProgram(std::unique_ptr<X11Connection> connection)
     workspace_ =
         std::make_shared<X11Workspace>(*model_, workspaceNotifications, desktopEntries_.get());
     eventTap_ = std::make_shared<X11EventTap>(*connection_);
+    // The chords beside the required one, held by another program, are tried again while any
+    // is missing, on the retry's own beat; nothing runs once all are Orvane's.
+    chordRetry_.setInterval(
+        static_cast<int>(OrvaneApplicationDelegate::interceptionRetryInterval * 1000));
+    QObject::connect(&chordRetry_, &QTimer::timeout, [this] { eventTap_->retryMissingChords(); });
+    eventTap_->setMissingChordsHandler([this](bool anyMissing) {
+        if (!anyMissing) {
+            chordRetry_.stop();
+        } else if (!chordRetry_.isActive()) {
+            chordRetry_.start();
+        }
+    });
     overlayPanel_ = std::make_shared<QtOverlayPanel>(
         QtOverlayPanel::Environment{[this] { return isComposited(); },
                                     [this](const Rect& frame) { return toDesktop(frame); },

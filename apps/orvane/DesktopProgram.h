@@ -7,6 +7,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QSocketNotifier>
+#include <QTimer>
 #include <map>
 #include <memory>
 #include <optional>
@@ -73,6 +74,7 @@ class DesktopProgram {
     std::shared_ptr<QtOverlayPanel> overlayPanel_;
     std::unique_ptr<SessionEventsMonitor> sessionEvents_;
     std::unique_ptr<QSocketNotifier> notifier_;
+    QTimer chordRetry_;
     QMetaObject::Connection aboutToBlock_;
     std::map<std::uint64_t, QImage> images_;
     std::optional<bool> composited_;

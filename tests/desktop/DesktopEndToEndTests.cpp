@@ -328,6 +328,40 @@ TEST_F(DesktopEndToEndTest, AChordHeldElsewhereComesUpOnceFreed) {
     EXPECT_EQ(macOSWordIn(session->programLog()), "");
 }
 
+// A chord beside the required one, held elsewhere (i3's Mod1+space), is tried again by itself:
+// once it is let go, the launcher opens on it.
+TEST_F(DesktopEndToEndTest, AnOptionalChordHeldElsewhereComesUpOnceFreed) {
+    auto& one = start("One", 0x444444);
+    session->stopProgram();
+    auto holder = session->startChordHolder("space");
+    session->startProgram();
+    ASSERT_TRUE(DesktopSession::waitFor([&] {
+        return session->programLog().find("Alt+Space is already taken") != std::string::npos;
+    })) << session->programLog();
+    session->stopProcess(holder);
+    EXPECT_TRUE(DesktopSession::waitFor(
+        [&] { return session->programLog().find("Alt+Space is free again") != std::string::npos; },
+        std::chrono::milliseconds(8000)))
+        << session->programLog();
+    const auto launcherSessions = [] {
+        const auto log = session->programLog();
+        std::size_t count = 0;
+        for (auto at = log.find("launcher session began"); at != std::string::npos;
+             at = log.find("launcher session began", at + 1)) {
+            ++count;
+        }
+        return count;
+    };
+    const auto before = launcherSessions();
+    session->press("Alt_L");
+    session->tap("space");
+    session->release("Alt_L");
+    EXPECT_TRUE(DesktopSession::waitFor([&] { return launcherSessions() == before + 1; }))
+        << session->programLog();
+    session->tap("Escape");
+    (void)one;
+}
+
 // Two starts at the same moment (autostart and a click in the menu): one runs, the other hands
 // its start over to it and ends.
 TEST_F(DesktopEndToEndTest, TwoStartsAtOnceLeaveOneRunning) {

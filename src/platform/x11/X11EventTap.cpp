@@ -307,7 +307,41 @@ bool X11EventTap::grabChords() {
         ungrabChords();
     }
     connection_.flush();
+    if (missingChordsHandler_) {
+        missingChordsHandler_(!requiredTaken && !reportedTaken_.empty());
+    }
     return !requiredTaken;
+}
+
+void X11EventTap::retryMissingChords() {
+    if (!tap_) {
+        // The program's own retry brings the tap back, and with it every chord.
+        if (missingChordsHandler_) {
+            missingChordsHandler_(false);
+        }
+        return;
+    }
+    bool anyMissing = false;
+    for (const auto& chord : chords()) {
+        const bool held = std::any_of(grabbed_.begin(), grabbed_.end(), [&](const Chord& mine) {
+            return mine.keycode == chord.keycode && mine.modifiers == chord.modifiers;
+        });
+        if (held) {
+            continue;
+        }
+        if (!grabChord(chord)) {
+            anyMissing = true;
+            continue;
+        }
+        grabbed_.push_back(chord);
+        if (reportedTaken_.erase(chord.name) > 0) {
+            log().info("%{public}s is free again and now belongs to Orvane", chord.name);
+        }
+    }
+    connection_.flush();
+    if (missingChordsHandler_) {
+        missingChordsHandler_(anyMissing);
+    }
 }
 
 void X11EventTap::ungrabChords() {

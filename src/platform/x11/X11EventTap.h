@@ -47,6 +47,14 @@ class X11EventTap final : public EventTapPort {
     // The required chord in the desktop's words ("Alt+Tab").
     std::string requiredChordName() const;
 
+    // Told, after every grab of the chords, whether a chord the tap wants is held by another
+    // program, so that someone retries it: only the required chord has the program's own retry.
+    void setMissingChordsHandler(std::function<void(bool anyMissing)> handler) {
+        missingChordsHandler_ = std::move(handler);
+    }
+    // Grabs the chords another program held until now; each one taken is said once.
+    void retryMissingChords();
+
   private:
     struct Chord {
         std::string name;
@@ -95,6 +103,7 @@ class X11EventTap final : public EventTapPort {
     std::set<xcb_keycode_t> pressedKeys_;
     // Chords reported as taken, so that each retry does not say it again.
     std::set<std::string> reportedTaken_;
+    std::function<void(bool)> missingChordsHandler_;
 };
 
 }  // namespace orvane
