@@ -22,6 +22,8 @@
 #include "platform/x11/X11ScreenCapture.h"
 #include "platform/x11/X11WindowList.h"
 #include "platform/x11/XdgAutostartLoginItem.h"
+#include "preferences/PreferencesStore.h"
+#include "preferences/SwitcherPreferencesCodec.h"
 #include "ui/qt/LinuxPermissions.h"
 #include "ui/qt/QtApplicationObject.h"
 #include "ui/qt/QtPasteboard.h"
@@ -75,7 +77,17 @@ DesktopProgram::DesktopProgram(std::unique_ptr<X11Connection> connection)
     OrvaneApplicationDelegate::Platform platform;
     platform.currentProcessIdentifier =
         static_cast<ProcessIdentifier>(QCoreApplication::applicationPid());
-    platform.userDefaults = std::make_shared<XdgUserDefaults>();
+    platform.userDefaults = std::make_shared<XdgUserDefaults>(
+        XdgUserDefaults::defaultFolder(), [](const std::string& key, const std::string& bytes) {
+            if (key != preferencesDefaultsKey) {
+                return std::string();
+            }
+            const auto decoded = SwitcherPreferencesCodec::decode(bytes);
+            if (decoded.preferences) {
+                return std::string();
+            }
+            return decoded.error.empty() ? std::string("it does not decode") : decoded.error;
+        });
     screenCapture_ = std::make_shared<X11ScreenCapture>(*connection_, *model_, *screens_, runLoop);
     permissions_ = std::make_shared<LinuxPermissions>(LinuxPermissions::Conditions{
         [this] { return eventTap_->requiredChordIsFree(); },

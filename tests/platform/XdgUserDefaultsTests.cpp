@@ -1,5 +1,5 @@
-// The preferences file on disk: written whole or not at all, read back as stored, and a folder
-// that refuses the write keeps the last good record.
+// The preferences file on disk: written whole or not at all, read back as stored, a folder that
+// refuses the write keeps the last good record, and a rejected record is kept aside.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -7,10 +7,12 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 
 #include "core/ScopedLogCapture.h"
 #include "platform/posix/XdgUserDefaults.h"
 #include "preferences/PreferencesStore.h"
+#include "preferences/SwitcherPreferencesCodec.h"
 
 namespace orvane {
 namespace {
@@ -53,21 +55,33 @@ TEST_F(XdgUserDefaultsTest, WritesWholeRecordsThatSurviveARestartAndUnwritableFo
                 ::testing::Contains(::testing::HasSubstr("the previous record is kept")));
 }
 
-// Damaged bytes are the store's to judge: the defaults apply and the file stays as it was until
-// the user changes a preference.
-TEST_F(XdgUserDefaultsTest, DamagedBytesStayUntouchedUntilTheNextChange) {
+// A hand-edited record the program rejects (one unknown value) is said once, naming the file and
+// the reason; the defaults apply, and its text is kept aside before the next change replaces it.
+TEST_F(XdgUserDefaultsTest, ARejectedRecordIsSaidAndKeptAsideBeforeTheNextChange) {
     fs::create_directories(folder);
     const auto path = folder / "brimcote.orvane.preferences.json";
-    std::ofstream(path) << "{\"triggerKeyCode\":1e420";
-    auto defaults = std::make_shared<XdgUserDefaults>(folder);
+    const std::string edited =
+        R"({"cardSize":"huge","shortcutConfiguration":{"holdModifier":"control"}})";
+    std::ofstream(path) << edited;
+    auto defaults =
+        std::make_shared<XdgUserDefaults>(folder, [](const std::string&, const std::string& bytes) {
+            const auto decoded = SwitcherPreferencesCodec::decode(bytes);
+            return decoded.preferences ? std::string() : decoded.error;
+        });
     ScopedLogCapture capture;
     auto store = std::make_shared<PreferencesStore>(defaults);
     EXPECT_EQ(store->preferences(), SwitcherPreferences{});
-    EXPECT_EQ(defaults->dataForKey(preferencesDefaultsKey), "{\"triggerKeyCode\":1e420");
+    const auto lines = capture.sink().messages(LogCategory::preferences);
+    ASSERT_EQ(lines.size(), 1u);
+    EXPECT_THAT(lines[0],
+                ::testing::AllOf(::testing::HasSubstr(path.string()), ::testing::HasSubstr("huge"),
+                                 ::testing::HasSubstr(".rejected")));
     store->modifyPreferences(
         [](SwitcherPreferences& preferences) { preferences.cardSize = SwitcherCardSize::small; });
     XdgUserDefaults reread(folder);
     EXPECT_THAT(*reread.dataForKey(preferencesDefaultsKey), ::testing::HasSubstr("\"small\""));
+    std::ifstream aside(path.string() + ".rejected");
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(aside), {}), edited);
 }
 
 }  // namespace

@@ -45,7 +45,8 @@ std::filesystem::path XdgUserDefaults::defaultFolder() {
     return std::filesystem::path(home != nullptr ? home : "/tmp") / ".config" / "orvane";
 }
 
-XdgUserDefaults::XdgUserDefaults(std::filesystem::path folder) : folder_(std::move(folder)) {}
+XdgUserDefaults::XdgUserDefaults(std::filesystem::path folder, Validator validator)
+    : folder_(std::move(folder)), validator_(std::move(validator)) {}
 
 std::filesystem::path XdgUserDefaults::pathForKey(const std::string& key) const {
     // Keys are the program's own names; anything that could leave the folder is replaced.
@@ -66,14 +67,42 @@ std::optional<std::string> XdgUserDefaults::dataForKey(const std::string& key) c
     std::ifstream file(path, std::ios::binary);
     if (!file) {
         if (std::filesystem::exists(path)) {
-            log().error("cannot read %{public}s; the defaults apply until the next change",
-                        path.string());
+            log().error(
+                "cannot read %{public}s (%{public}s); the defaults apply until the next "
+                "change",
+                path.string(), std::string(std::strerror(errno)));
         }
         return std::nullopt;
     }
-    std::ostringstream bytes;
-    bytes << file.rdbuf();
-    return bytes.str();
+    std::ostringstream stream;
+    stream << file.rdbuf();
+    auto bytes = stream.str();
+    if (validator_) {
+        if (const auto reason = validator_(key, bytes); !reason.empty()) {
+            keepAside(path, bytes, reason);
+        }
+    }
+    return bytes;
+}
+
+void XdgUserDefaults::keepAside(const std::filesystem::path& path, const std::string& bytes,
+                                const std::string& reason) const {
+    const auto aside = path.string() + ".rejected";
+    std::ofstream copy(aside, std::ios::binary | std::ios::trunc);
+    copy << bytes;
+    copy.close();
+    if (copy) {
+        log().error(
+            "%{public}s is not a record Orvane can read (%{public}s); the defaults apply, "
+            "and its text is kept as %{public}s",
+            path.string(), reason, aside);
+    } else {
+        log().error(
+            "%{public}s is not a record Orvane can read (%{public}s); the defaults apply, "
+            "and its text could not be kept aside (%{public}s), so it is left untouched "
+            "until the next change",
+            path.string(), reason, aside);
+    }
 }
 
 void XdgUserDefaults::setData(const std::string& key, const std::string& bytes) {
