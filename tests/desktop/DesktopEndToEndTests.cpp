@@ -304,14 +304,7 @@ TEST_F(DesktopEndToEndTest, AChordHeldElsewhereComesUpOnceFreed) {
     ASSERT_TRUE(becomesActive(two.window));
     std::this_thread::sleep_for(std::chrono::milliseconds(600));
     const auto active = "the program is active";
-    const auto activations = [&] {
-        const auto text = session->programLog();
-        std::size_t count = 0;
-        for (auto at = text.find(active); at != std::string::npos; at = text.find(active, at + 1)) {
-            ++count;
-        }
-        return count;
-    };
+    const auto activations = [&] { return session->countInProgramLog(active); };
     const auto before = activations();
     session->activate(*welcome);
     ASSERT_TRUE(becomesActive(*welcome));
@@ -344,13 +337,7 @@ TEST_F(DesktopEndToEndTest, AnOptionalChordHeldElsewhereComesUpOnceFreed) {
         std::chrono::milliseconds(8000)))
         << session->programLog();
     const auto launcherSessions = [] {
-        const auto log = session->programLog();
-        std::size_t count = 0;
-        for (auto at = log.find("launcher session began"); at != std::string::npos;
-             at = log.find("launcher session began", at + 1)) {
-            ++count;
-        }
-        return count;
+        return session->countInProgramLog("launcher session began");
     };
     const auto before = launcherSessions();
     session->press("Alt_L");

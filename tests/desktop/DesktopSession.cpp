@@ -170,18 +170,10 @@ void DesktopSession::stopProcess(pid_t& process) {
 
 void DesktopSession::startProgram() {
     // The log gathers every run of the session: wait for one more launch than it holds now.
-    const auto launches = [this] {
-        const auto log = programLog();
-        std::size_t count = 0;
-        for (auto at = log.find("launch complete"); at != std::string::npos;
-             at = log.find("launch complete", at + 1)) {
-            ++count;
-        }
-        return count;
-    };
-    const auto before = launches();
+    const auto before = countInProgramLog("launch complete");
     program_ = spawn({ORVANE_PROGRAM_PATH, "--log-level", "debug"}, folder_ / "orvane.log");
-    waitFor([&] { return launches() > before; }, std::chrono::milliseconds(15000));
+    waitFor([&] { return countInProgramLog("launch complete") > before; },
+            std::chrono::milliseconds(15000));
 }
 
 void DesktopSession::stopProgram() {
@@ -193,6 +185,15 @@ bool DesktopSession::programEnded() {
         program_ = 0;
     }
     return program_ == 0;
+}
+
+std::size_t DesktopSession::countInProgramLog(const std::string& text) const {
+    const auto log = programLog();
+    std::size_t count = 0;
+    for (auto at = log.find(text); at != std::string::npos; at = log.find(text, at + 1)) {
+        ++count;
+    }
+    return count;
 }
 
 std::string DesktopSession::programLog() const {

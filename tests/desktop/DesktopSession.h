@@ -27,6 +27,8 @@ class DesktopSession {
     void startProgram();
     void stopProgram();
     std::string programLog() const;
+    // How often `text` stands in the program's log, every run of the session included.
+    std::size_t countInProgramLog(const std::string& text) const;
     // Whether the program has ended by itself (reaped here).
     bool programEnded();
 

@@ -15,6 +15,7 @@
 #include "app/OrvaneApp.h"
 #include "core/ScopedLogCapture.h"
 #include "simulator/SimulatedMachine.h"
+#include "support/OffscreenQtApplication.h"
 #include "ui/qt/QtSettingsWindow.h"
 
 namespace orvane {
@@ -22,15 +23,7 @@ namespace {
 
 class QtSettingsWindowTest : public ::testing::Test {
   protected:
-    static void SetUpTestSuite() {
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-        static int argc = 1;
-        static char name[] = "orvane-tests";
-        static char* argv[] = {name, nullptr};
-        // Never destroyed: Qt must outlive whatever static it touches at exit.
-        static auto* application = new QApplication(argc, argv);
-        (void)application;
-    }
+    static void SetUpTestSuite() { ensureOffscreenQtApplication(); }
     void SetUp() override {
         machine.setPermission(PermissionCapability::screenRecording, false);
         app = std::make_unique<OrvaneApp>(machine.platform());
