@@ -4,6 +4,7 @@
 #include <QIcon>
 #include <QPainterPath>
 #include <cmath>
+#include <set>
 
 #include "ui/qt/QtOverlayStyle.h"
 
@@ -101,6 +102,7 @@ QRegion QtOverlayRenderer::changedRegion(const OverlayViewData& before,
 
 void QtOverlayRenderer::paint(QPainter& painter, const OverlayViewData& data, bool opaque,
                               const QRegion* only) const {
+    forgetImagesNotIn(data);
     painter.setRenderHint(QPainter::Antialiasing, true);
     painter.setRenderHint(QPainter::TextAntialiasing, true);
     if (only == nullptr) {
@@ -115,6 +117,18 @@ void QtOverlayRenderer::paint(QPainter& painter, const OverlayViewData& data, bo
         paintElements(painter, data, opaque, &rect);
         painter.restore();
     }
+}
+
+void QtOverlayRenderer::forgetImagesNotIn(const OverlayViewData& data) const {
+    // Previews get a new identifier at every capture: only what this view shows is worth keeping.
+    std::set<std::uint64_t> shown;
+    for (const auto& element : data.elements) {
+        if (const auto* image = std::get_if<OverlayImage>(&element.content)) {
+            shown.insert(image->image.identifier);
+        }
+    }
+    std::erase_if(
+        scaled_, [&shown](const auto& entry) { return !shown.contains(std::get<0>(entry.first)); });
 }
 
 void QtOverlayRenderer::paintElements(QPainter& painter, const OverlayViewData& data, bool opaque,
@@ -299,9 +313,6 @@ void QtOverlayRenderer::paintImage(QPainter& painter, const OverlayImage& image)
         scaler.drawImage(QRectF(QPointF(0, 0), QSizeF(pixels)), source);
         scaler.end();
         result.setDevicePixelRatio(ratio);
-        if (scaled_.size() > 512) {
-            scaled_.clear();
-        }
         cached = scaled_.emplace(key, std::move(result)).first;
     }
     painter.save();

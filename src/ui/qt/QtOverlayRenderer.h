@@ -33,9 +33,13 @@ class QtOverlayRenderer {
     // panel size differ in shape.
     static QRegion changedRegion(const OverlayViewData& before, const OverlayViewData& after);
 
+    // How many scaled images are kept: never more than the view painted last shows.
+    std::size_t scaledImageCount() const { return scaled_.size(); }
+
   private:
     void paintElements(QPainter& painter, const OverlayViewData& data, bool opaque,
                        const QRect* only) const;
+    void forgetImagesNotIn(const OverlayViewData& data) const;
     void paintShape(QPainter& painter, const OverlayElement& element, const OverlayShape& shape,
                     bool opaque) const;
     void paintText(QPainter& painter, const OverlayText& text) const;
