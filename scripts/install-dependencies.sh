@@ -9,10 +9,11 @@ packages=(
     clang-format clang libclang-rt-14-dev
     qt6-base-dev libxcb1-dev libxcb-ewmh-dev libxcb-icccm4-dev libxcb-keysyms1-dev
     libxcb-xinput-dev libxcb-randr0-dev libxcb-res0-dev libxcb-xkb-dev libxcb-xtest0-dev
-    libxcb-composite0-dev libxcb-render0-dev libxcb-shm0-dev libxcb-damage0-dev libxkbcommon-dev
+    libxcb-composite0-dev libxcb-render0-dev libxcb-shm0-dev libxcb-damage0-dev libxcb-xfixes0-dev
+    libxkbcommon-dev
     libxkbcommon-x11-dev libglib2.0-dev libqt6svg6
     fonts-dejavu-core
-    dpkg-dev xvfb xauth openbox trayer xterm x11-utils xdotool imagemagick
+    dpkg-dev xvfb xauth openbox trayer xterm x11-utils xdotool imagemagick xcompmgr
 )
 
 missing=()

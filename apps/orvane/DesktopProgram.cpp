@@ -1,5 +1,7 @@
 #include "DesktopProgram.h"
 
+#include <xcb/xfixes.h>
+
 #include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -45,6 +47,9 @@ std::unique_ptr<DesktopProgram> DesktopProgram::start(std::unique_ptr<X11Connect
 DesktopProgram::DesktopProgram(std::unique_ptr<X11Connection> connection)
     : connection_(std::move(connection)) {
     auto runLoop = std::make_shared<QtRunLoop>();
+    // The compositor's coming and going is told by the server, so the first gesture after it
+    // already draws the panel for it: square without one, never with black corners.
+    watchCompositor();
     model_ = std::make_unique<X11WindowModel>(*connection_);
     screens_ = std::make_unique<X11Screens>(*connection_, *model_);
     desktopEntries_ = std::make_shared<DesktopEntryCatalog>();
@@ -263,8 +268,37 @@ bool DesktopProgram::isComposited() {
         composited_ = readComposited();
     }
     const bool composited = *composited_;
-    QTimer::singleShot(0, [this] { composited_ = readComposited(); });
+    if (!compositorWatched_) {
+        QTimer::singleShot(0, [this] { composited_ = readComposited(); });
+    }
     return composited;
+}
+
+void DesktopProgram::watchCompositor() {
+    auto* connection = connection_->connection();
+    const auto* extension = xcb_get_extension_data(connection, &xcb_xfixes_id);
+    if (extension == nullptr || extension->present == 0) {
+        return;
+    }
+    std::free(xcb_xfixes_query_version_reply(
+        connection, xcb_xfixes_query_version(connection, XCB_XFIXES_MAJOR_VERSION, 0), nullptr));
+    const auto selection = connection_->atom("_NET_WM_CM_S0");
+    xcb_xfixes_select_selection_input(connection, connection_->root(), selection,
+                                      XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
+                                          XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
+                                          XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
+    const auto notify =
+        static_cast<std::uint8_t>(extension->first_event + XCB_XFIXES_SELECTION_NOTIFY);
+    connection_->addListener([this, notify, selection](const xcb_generic_event_t& event) {
+        if ((event.response_type & 0x7f) != notify) {
+            return;
+        }
+        const auto& change = reinterpret_cast<const xcb_xfixes_selection_notify_event_t&>(event);
+        if (change.selection == selection) {
+            composited_ = change.owner != XCB_NONE;
+        }
+    });
+    compositorWatched_ = true;
 }
 
 bool DesktopProgram::readComposited() {

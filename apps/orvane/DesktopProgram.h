@@ -52,6 +52,8 @@ class DesktopProgram {
     // Answers from the last reading and reads again once the overlay is up, off the key's path.
     bool isComposited();
     bool readComposited();
+    // Follows the compositing manager's selection through XFixes, where the server has it.
+    void watchCompositor();
     Rect toDesktop(const Rect& frame) const;
     QImage image(const ImageHandle& handle);
     // An icon of a desktop entry, from the icon theme or its file.
@@ -78,6 +80,7 @@ class DesktopProgram {
     QMetaObject::Connection aboutToBlock_;
     std::map<std::uint64_t, QImage> images_;
     std::optional<bool> composited_;
+    bool compositorWatched_ = false;
     std::shared_ptr<QtApplicationObject> application_;
     std::unique_ptr<OrvaneApp> app_;
     // After the program, whose scenes they draw.

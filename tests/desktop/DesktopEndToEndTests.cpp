@@ -321,6 +321,45 @@ TEST_F(DesktopEndToEndTest, AChordHeldElsewhereComesUpOnceFreed) {
     EXPECT_EQ(macOSWordIn(session->programLog()), "");
 }
 
+// A compositor that stops between two gestures: the very next one draws the square panel that a
+// desktop without one needs, never one with black corners.
+TEST_F(DesktopEndToEndTest, TheFirstGestureAfterTheCompositorStopsHasNoBlackCorners) {
+    start("One", 0x446644);
+    start("Two", 0x664444);
+    const auto compositing = [] {
+        auto* connection = session->connection();
+        auto* atom = xcb_intern_atom_reply(
+            connection, xcb_intern_atom(connection, 0, 13, "_NET_WM_CM_S0"), nullptr);
+        auto* reply = xcb_get_selection_owner_reply(
+            connection, xcb_get_selection_owner(connection, atom ? atom->atom : XCB_NONE),
+            nullptr);
+        const bool owned = reply != nullptr && reply->owner != XCB_NONE;
+        std::free(reply);
+        std::free(atom);
+        return owned;
+    };
+    const auto gesture = [](const char* picture) {
+        session->press("Alt_L");
+        session->tap("Tab");
+        DesktopSession::Capture capture;
+        if (DesktopSession::waitFor([] { return session->overlayWindow().has_value(); })) {
+            capture = session->capture(*session->overlayWindow(), session->folder() / picture);
+        }
+        session->tap("Escape");
+        session->release("Alt_L");
+        DesktopSession::waitFor([] { return !session->overlayWindow(); });
+        return capture;
+    };
+    auto compositor = session->spawn({"xcompmgr"}, session->folder() / "xcompmgr.log");
+    ASSERT_TRUE(DesktopSession::waitFor(compositing));
+    gesture("composited.png");
+    session->stopProcess(compositor);
+    ASSERT_TRUE(DesktopSession::waitFor([&] { return !compositing(); }));
+    const auto capture = gesture("after-compositor.png");
+    ASSERT_GT(capture.width, 10);
+    EXPECT_EQ(capture.pixels[capture.width + 1], 0x262628u) << "the panel's own colour at a corner";
+}
+
 // A chord beside the required one, held elsewhere (i3's Mod1+space), is tried again by itself:
 // once it is let go, the launcher opens on it.
 TEST_F(DesktopEndToEndTest, AnOptionalChordHeldElsewhereComesUpOnceFreed) {
