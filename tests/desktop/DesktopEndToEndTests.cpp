@@ -331,8 +331,7 @@ TEST_F(DesktopEndToEndTest, TheFirstGestureAfterTheCompositorStopsHasNoBlackCorn
         auto* atom = xcb_intern_atom_reply(
             connection, xcb_intern_atom(connection, 0, 13, "_NET_WM_CM_S0"), nullptr);
         auto* reply = xcb_get_selection_owner_reply(
-            connection, xcb_get_selection_owner(connection, atom ? atom->atom : XCB_NONE),
-            nullptr);
+            connection, xcb_get_selection_owner(connection, atom ? atom->atom : XCB_NONE), nullptr);
         const bool owned = reply != nullptr && reply->owner != XCB_NONE;
         std::free(reply);
         std::free(atom);
