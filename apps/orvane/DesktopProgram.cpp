@@ -99,7 +99,9 @@ DesktopProgram::DesktopProgram(std::unique_ptr<X11Connection> connection)
         [this] { return eventTap_->requiredChordName(); },
         [this] { return connection_->windowManagerName(); },
         [capture = screenCapture_] { return capture->preflightScreenCaptureAccess(); },
-        [this](const std::string& address) { showHelp(address); }});
+        [this](const std::string& address, const std::string& reason) {
+            showHelp(address, reason);
+        }});
     platform.permissions = permissions_;
     platform.mainRunLoop = runLoop;
     platform.clock = std::make_shared<SystemClock>();
@@ -223,20 +225,15 @@ void DesktopProgram::openSettingsWindow() {
     settingsWindow_->activateWindow();
 }
 
-void DesktopProgram::showHelp(const std::string& address) {
+void DesktopProgram::showHelp(const std::string& address, const std::string& reason) {
     if (!helpWindow_) {
         keyboardSettings_ =
             std::make_unique<DesktopKeyboardSettings>(connection_->windowManagerName());
         helpWindow_ = std::make_unique<QtHelpWindow>(QtHelpWindow::Actions{
-            [this](const std::string& section) {
-                return permissions_->missingReason(section == "window-previews"
-                                                       ? PermissionCapability::screenRecording
-                                                       : PermissionCapability::accessibility);
-            },
             keyboardSettings_->name(), [this] { keyboardSettings_->open(); }});
         helpWindow_->setWindowIcon(QIcon(QStringLiteral(":/orvane/orvane.svg")));
     }
-    helpWindow_->showPage(address);
+    helpWindow_->showPage(address, reason);
 }
 
 void DesktopProgram::showAboutPanel(const std::optional<ImageHandle>& icon) {

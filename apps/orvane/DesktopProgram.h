@@ -61,8 +61,8 @@ class DesktopProgram {
     // The Settings window, built at its first opening.
     void openSettingsWindow();
     void showAboutPanel(const std::optional<ImageHandle>& icon);
-    // Orvane's help at a section, in its window.
-    void showHelp(const std::string& address);
+    // Orvane's help at a section, in its window, under what keeps the capability away now.
+    void showHelp(const std::string& address, const std::string& reason);
 
     std::unique_ptr<X11Connection> connection_;
     std::unique_ptr<X11WindowModel> model_;

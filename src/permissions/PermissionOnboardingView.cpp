@@ -85,8 +85,9 @@ PermissionOnboardingContent PermissionOnboardingView::content() const {
         row.capability = capability;
         row.icon = {description.symbol, {Style::title3}, Color::accent};
         row.title = {title, {Style::body, Weight::medium}, Color::primary};
+        const auto kind = actionKind(capability);
         // Where the platform can tell what keeps a capability away, the row says that instead.
-        auto reason = actionKind(capability) == PermissionRowActionKind::grantedLabel
+        auto reason = kind == PermissionRowActionKind::grantedLabel
                           ? std::string()
                           : permissionStatusCoordinator_->missingReason(capability);
         row.description = {reason.empty() ? std::string(description.description) : reason,
@@ -97,7 +98,7 @@ PermissionOnboardingContent PermissionOnboardingView::content() const {
                 OnboardingBadge{{"Optional", {Style::caption2, Weight::semibold}, Color::secondary},
                                 Color::quaternary};
         }
-        row.action = makeAction(actionKind(capability), title);
+        row.action = makeAction(kind, title);
         content.rows.push_back(std::move(row));
     }
     content.footnoteSymbol = {"lock.shield", {Style::footnote}, Color::secondary};

@@ -13,8 +13,9 @@ namespace orvane {
 class PackageManagerUpdater final : public UpdaterPort {
   public:
     // `program` is the running executable; `packageDatabase` the folder of dpkg's file lists.
-    explicit PackageManagerUpdater(std::filesystem::path program,
-                                   std::filesystem::path packageDatabase = "/var/lib/dpkg/info");
+    explicit PackageManagerUpdater(
+        const std::filesystem::path& program,
+        const std::filesystem::path& packageDatabase = "/var/lib/dpkg/info");
 
     void startUpdater() override {}
     bool canCheckForUpdates() const override { return false; }
@@ -24,14 +25,11 @@ class PackageManagerUpdater final : public UpdaterPort {
     bool automaticallyChecksForUpdates() const override { return false; }
     void setAutomaticallyChecksForUpdates(bool) override {}
     void checkForUpdates() override {}
-    std::string externalUpdateSource() const override;
-
-    // Whether a package of the database lists `program` among its files.
-    bool isPackaged() const;
+    // Decided once: how the running copy was installed does not change while it runs.
+    std::string externalUpdateSource() const override { return externalUpdateSource_; }
 
   private:
-    std::filesystem::path program_;
-    std::filesystem::path packageDatabase_;
+    std::string externalUpdateSource_;
     UpdaterObservationToken lastToken_ = 0;
 };
 

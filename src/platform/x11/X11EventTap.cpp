@@ -278,9 +278,12 @@ void X11EventTap::ungrabChord(const Chord& chord) {
     }
 }
 
-bool X11EventTap::grabChords() {
-    bool requiredTaken = false;
+X11EventTap::GrabOutcome X11EventTap::grabMissingChords() {
+    GrabOutcome outcome;
     for (const auto& chord : chords()) {
+        if (holds(chord)) {
+            continue;
+        }
         if (grabChord(chord)) {
             if (reportedTaken_.erase(chord.name) > 0) {
                 log().info("%{public}s is free again and now belongs to Orvane", chord.name);
@@ -288,7 +291,8 @@ bool X11EventTap::grabChords() {
             grabbed_.push_back(chord);
             continue;
         }
-        requiredTaken = requiredTaken || chord.required;
+        outcome.anyTaken = true;
+        outcome.requiredTaken = outcome.requiredTaken || chord.required;
         if (!reportedTaken_.insert(chord.name).second) {
             continue;
         }
@@ -303,45 +307,33 @@ bool X11EventTap::grabChords() {
             log().info(taken, chord.name);
         }
     }
-    if (requiredTaken) {
+    connection_.flush();
+    return outcome;
+}
+
+bool X11EventTap::grabChords() {
+    const auto outcome = grabMissingChords();
+    if (outcome.requiredTaken) {
         ungrabChords();
     }
-    connection_.flush();
     if (missingChordsHandler_) {
-        missingChordsHandler_(!requiredTaken && !reportedTaken_.empty());
+        missingChordsHandler_(outcome.anyTaken && !outcome.requiredTaken);
     }
-    return !requiredTaken;
+    return !outcome.requiredTaken;
 }
 
 void X11EventTap::retryMissingChords() {
-    if (!tap_) {
-        // The program's own retry brings the tap back, and with it every chord.
-        if (missingChordsHandler_) {
-            missingChordsHandler_(false);
-        }
-        return;
-    }
-    bool anyMissing = false;
-    for (const auto& chord : chords()) {
-        const bool held = std::any_of(grabbed_.begin(), grabbed_.end(), [&](const Chord& mine) {
-            return mine.keycode == chord.keycode && mine.modifiers == chord.modifiers;
-        });
-        if (held) {
-            continue;
-        }
-        if (!grabChord(chord)) {
-            anyMissing = true;
-            continue;
-        }
-        grabbed_.push_back(chord);
-        if (reportedTaken_.erase(chord.name) > 0) {
-            log().info("%{public}s is free again and now belongs to Orvane", chord.name);
-        }
-    }
-    connection_.flush();
+    // Without a tap the program's own retry brings it back, and with it every chord.
+    const bool anyTaken = tap_ && grabMissingChords().anyTaken;
     if (missingChordsHandler_) {
-        missingChordsHandler_(anyMissing);
+        missingChordsHandler_(anyTaken);
     }
+}
+
+bool X11EventTap::holds(const Chord& chord) const {
+    return std::any_of(grabbed_.begin(), grabbed_.end(), [&](const Chord& mine) {
+        return mine.keycode == chord.keycode && mine.modifiers == chord.modifiers;
+    });
 }
 
 void X11EventTap::ungrabChords() {
@@ -359,10 +351,7 @@ bool X11EventTap::requiredChordIsFree() {
     if (required == all.end()) {
         return false;
     }
-    const bool held = std::any_of(grabbed_.begin(), grabbed_.end(), [&](const Chord& chord) {
-        return chord.keycode == required->keycode && chord.modifiers == required->modifiers;
-    });
-    if (held) {
+    if (holds(*required)) {
         return true;
     }
     if (!grabChord(*required)) {

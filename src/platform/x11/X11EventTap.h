@@ -69,9 +69,15 @@ class X11EventTap final : public EventTapPort {
                  bool isAutorepeat, std::u16string text, bool* swallowed);
     void reloadKeymap();
     std::vector<Chord> chords() const;
-    // Grabs every chord; false, after one line per chord taken by another program, when a
-    // required chord could not be grabbed.
+    struct GrabOutcome {
+        bool anyTaken = false;
+        bool requiredTaken = false;
+    };
+    // Grabs every chord not held yet; one line per chord another program holds, said once.
+    GrabOutcome grabMissingChords();
+    // Grabs every chord; false, holding none, when the required chord could not be grabbed.
     bool grabChords();
+    bool holds(const Chord& chord) const;
     // Grabs one chord with every lock-key combination; false, with none of them kept, when
     // another program holds it.
     bool grabChord(const Chord& chord);

@@ -32,7 +32,9 @@ void showUnsentReport(const QUrl& link) {
 void LinuxPermissions::openURL(const std::string& url) {
     const auto link = QUrl(QString::fromUtf8(url.data(), static_cast<qsizetype>(url.size())));
     if (link.scheme() == QLatin1String("qrc")) {
-        conditions_.showHelp(url);
+        conditions_.showHelp(
+            url, missingReason(url == windowPreviewsHelp ? PermissionCapability::screenRecording
+                                                         : PermissionCapability::accessibility));
         return;
     }
     const auto& log = Logger::forCategory(LogCategory::permission);

@@ -22,8 +22,9 @@ class LinuxPermissions final : public PermissionPort {
         // The window manager as it names itself; empty when it says nothing.
         std::function<std::string()> windowManagerName;
         std::function<bool()> canCaptureWindows;
-        // Shows the help page at the address given (a "qrc:" address with its section).
-        std::function<void(const std::string&)> showHelp;
+        // Shows the help page at the address given (a "qrc:" address with its section), with what
+        // keeps that capability away now; empty when nothing does.
+        std::function<void(const std::string& address, const std::string& reason)> showHelp;
     };
 
     // The help page, compiled into the program, and its two sections.

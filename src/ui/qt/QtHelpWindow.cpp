@@ -38,7 +38,7 @@ QtHelpWindow::QtHelpWindow(Actions actions)
     new QShortcut(QKeySequence(Qt::Key_Escape), this, [this] { close(); });
 }
 
-void QtHelpWindow::showPage(const std::string& address) {
+void QtHelpWindow::showPage(const std::string& address, const std::string& reason) {
     const QUrl url(QString::fromStdString(address));
     const auto section = url.fragment().toStdString();
     QUrl page = url;
@@ -47,7 +47,6 @@ void QtHelpWindow::showPage(const std::string& address) {
         page_->setSource(page);
     }
     page_->scrollToAnchor(QString::fromStdString(section));
-    const auto reason = actions_.currentReason(section);
     reason_->setText(QString::fromStdString(reason));
     reason_->setVisible(!reason.empty());
     keyboardSettings_->setVisible(section == "keyboard-shortcut" &&

@@ -15,8 +15,6 @@ namespace orvane {
 class QtHelpWindow final : public QWidget {
   public:
     struct Actions {
-        // The reason shown above the page for a section; empty for none.
-        std::function<std::string(const std::string& section)> currentReason;
         // The desktop's keyboard settings, by name, and how to open them; no name when there
         // are none.
         std::string keyboardSettingsName;
@@ -25,9 +23,9 @@ class QtHelpWindow final : public QWidget {
 
     explicit QtHelpWindow(Actions actions);
 
-    // Shows the page at `address` ("qrc:/orvane/help.html#keyboard-shortcut") and raises the
-    // window.
-    void showPage(const std::string& address);
+    // Shows the page at `address` ("qrc:/orvane/help.html#keyboard-shortcut") under `reason`,
+    // what keeps the capability away now (empty for nothing), and raises the window.
+    void showPage(const std::string& address, const std::string& reason);
 
   private:
     Actions actions_;
