@@ -50,9 +50,14 @@ DesktopProgram::DesktopProgram(std::unique_ptr<X11Connection> connection)
     // The compositor's coming and going is told by the server, so the first gesture after it
     // already draws the panel for it: square without one, never with black corners.
     watchCompositor();
-    model_ = std::make_unique<X11WindowModel>(*connection_);
-    screens_ = std::make_unique<X11Screens>(*connection_, *model_);
     desktopEntries_ = std::make_shared<DesktopEntryCatalog>();
+    // An application is what the desktop's menu shows as one: four terminals are one terminal.
+    model_ = std::make_unique<X11WindowModel>(
+        *connection_,
+        [entries = desktopEntries_](std::string_view instance, std::string_view windowClass) {
+            return entries->entryPathForWindowClass(instance, windowClass);
+        });
+    screens_ = std::make_unique<X11Screens>(*connection_, *model_);
     auto workspaceNotifications = std::make_shared<LocalNotificationCenter>();
     // Before the Accessibility port: it must hear of a launch before the focus notices.
     workspace_ =

@@ -46,8 +46,8 @@ class DesktopEndToEndTest : public ::testing::Test {
             << session->programLog();
     }
     DesktopSession::Client& start(const std::string& title, std::uint32_t colour,
-                                  bool absurd = false) {
-        clients.push_back(session->startClient(title, colour, absurd));
+                                  bool absurd = false, const std::string& windowClass = "") {
+        clients.push_back(session->startClient(title, colour, absurd, windowClass));
         return clients.back();
     }
     void altTab() {
@@ -122,7 +122,8 @@ TEST_F(DesktopEndToEndTest, AltTabBringsThePreviousWindowForwardInRecencyOrder) 
 // Escape leaves the focus where it was. The overlay's pixels show the panel, the selection, a
 // preview of each window's contents, and the icon of the minimized one, which has none.
 TEST_F(DesktopEndToEndTest, TheOverlayShowsPreviewsAndEscapeLeavesTheFocusAlone) {
-    auto& red = start("Red", 0xdd2222);
+    // An application of its own, so that its icon is its window's.
+    auto& red = start("Red", 0xdd2222, false, "Red");
     start("Green", 0x22dd22);
     auto& blue = start("Blue", 0x2222dd);
     session->minimize(red.window);
@@ -241,6 +242,34 @@ TEST_F(DesktopEndToEndTest, MinimizedWindowsAreRestoredAndClosedOnesAbsorbed) {
     EXPECT_TRUE(becomesActive(shown.window));
     altTab();
     EXPECT_TRUE(becomesActive(hidden.window));
+}
+
+// A restart of the window manager forgets nothing: the minimized window that was the most recent
+// one before it still is. Windows of one class are one application, whatever process owns each:
+// the key above Tab goes between them.
+TEST_F(DesktopEndToEndTest, AWindowManagerRestartKeepsTheOrderAndOneClassIsOneApplication) {
+    start("Oldest", 0x446688);
+    auto& middle = start("Middle", 0x664488);
+    auto& newest = start("Newest", 0x886644);
+    session->minimize(newest.window);
+    session->activate(middle.window);
+    ASSERT_TRUE(becomesActive(middle.window));
+
+    const std::string kept = "left the client list but is still managed";
+    const auto keptBefore = session->countInProgramLog(kept);
+    session->spawn({"openbox", "--restart"}, session->folder() / "openbox.log");
+    ASSERT_TRUE(DesktopSession::waitFor([&] {
+        return session->countInProgramLog(kept) >= keptBefore + 3 &&
+               session->activeWindow() == middle.window;
+    })) << session->programLog();
+
+    altTab();
+    EXPECT_TRUE(becomesActive(newest.window));
+    EXPECT_FALSE(session->isMinimized(newest.window));
+    session->press("Alt_L");
+    session->tap("grave");
+    session->release("Alt_L");
+    EXPECT_TRUE(becomesActive(middle.window));
 }
 
 // A window on another virtual desktop comes forward with its desktop; a client with an impossible

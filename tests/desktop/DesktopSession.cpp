@@ -223,13 +223,15 @@ std::vector<std::uint32_t> DesktopSession::cardinalProperty(xcb_window_t window,
 }
 
 DesktopSession::Client DesktopSession::startClient(const std::string& title, std::uint32_t colour,
-                                                   bool absurd) {
+                                                   bool absurd, const std::string& windowClass) {
     char hex[16];
     std::snprintf(hex, sizeof hex, "%06x", colour);
     Client client;
     std::vector<std::string> arguments{ORVANE_TEST_CLIENT_PATH, title, hex};
     if (absurd) {
         arguments.emplace_back("--absurd");
+    } else if (!windowClass.empty()) {
+        arguments.push_back(windowClass);
     }
     client.process = spawn(arguments, folder_ / "clients.log");
     const auto known = cardinals(root_, atom("_NET_CLIENT_LIST"));

@@ -36,8 +36,10 @@ class DesktopSession {
         pid_t process = 0;
         xcb_window_t window = 0;
     };
-    // Starts a client and waits until the window manager lists and focuses its window.
-    Client startClient(const std::string& title, std::uint32_t colour, bool absurd = false);
+    // Starts a client and waits until the window manager lists and focuses its window; clients
+    // are one application unless given a class of their own.
+    Client startClient(const std::string& title, std::uint32_t colour, bool absurd = false,
+                       const std::string& windowClass = "");
     void stopClient(Client& client);
     // A client that holds a key chord, as a window manager's own switcher would; killed by
     // `stopProcess`.

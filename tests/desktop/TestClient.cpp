@@ -3,8 +3,9 @@
 // every key it receives (the key codes, appended to its _ORVANE_RECEIVED property) and quits when
 // the window manager closes it. With --hold it holds Alt+Tab instead, as a window manager's own
 // switcher does, until it is killed. With --absurd after the colour it claims an impossible
-// process, a title of 200 KB and an icon whose sizes lie, as a broken client might.
-//   orvane-test-client TITLE RRGGBB [--absurd]
+// process, a title of 200 KB and an icon whose sizes lie, as a broken client might; a CLASS there
+// is its WM_CLASS class instead of OrvaneTestClient.
+//   orvane-test-client TITLE RRGGBB [--absurd | CLASS]
 //   orvane-test-client --hold TAB-KEYCODE
 
 #include <unistd.h>
@@ -61,8 +62,10 @@ int main(int argc, char** argv) {
         title.data());
     set(orvane::testing::internAtom(connection, "_NET_WM_NAME"), utf8, 8,
         static_cast<std::uint32_t>(title.size()), title.data());
-    const char wmClass[] = "orvane-test-client\0OrvaneTestClient";
-    set(XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 8, sizeof wmClass, wmClass);
+    const std::string wmClass = std::string("orvane-test-client") + '\0' +
+                                (argc > 3 && !absurd ? argv[3] : "OrvaneTestClient") + '\0';
+    set(XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 8, static_cast<std::uint32_t>(wmClass.size()),
+        wmClass.data());
     const std::uint32_t pid = absurd ? 0xFFFFFFFFu : static_cast<std::uint32_t>(getpid());
     set(orvane::testing::internAtom(connection, "_NET_WM_PID"), XCB_ATOM_CARDINAL, 32, 1, &pid);
     std::vector<std::uint32_t> icon{absurd ? 100000u : 16u, 16};

@@ -94,6 +94,12 @@ void DesktopEntryCatalog::prepare() {
 
 const DesktopEntryCatalog::Entry* DesktopEntryCatalog::entryForWindowClass(
     std::string_view instance, std::string_view windowClass) {
+    const auto path = entryPathForWindowClass(instance, windowClass);
+    return path ? knownEntry(*path) : nullptr;
+}
+
+std::optional<std::string> DesktopEntryCatalog::entryPathForWindowClass(
+    std::string_view instance, std::string_view windowClass) {
     listings();
     if (listingsChanged_) {
         indexWindowClasses();
@@ -104,11 +110,14 @@ const DesktopEntryCatalog::Entry* DesktopEntryCatalog::entryForWindowClass(
                 continue;
             }
             if (auto found = index->find(lowered(key)); found != index->end()) {
-                return knownEntry(found->second);
+                if (knownEntry(found->second) != nullptr) {
+                    return found->second;
+                }
+                return std::nullopt;
             }
         }
     }
-    return nullptr;
+    return std::nullopt;
 }
 
 std::optional<std::string> DesktopEntryCatalog::iconName(std::uint64_t identifier) const {

@@ -54,6 +54,9 @@ class DesktopEntryCatalog final : public FileManagerPort {
     // The entry that a window of this WM_CLASS belongs to: StartupWMClass first, then an entry
     // named after the class or the instance (case-insensitive); nothing when none matches.
     const Entry* entryForWindowClass(std::string_view instance, std::string_view windowClass);
+    // The path of that entry: what the desktop counts as one application.
+    std::optional<std::string> entryPathForWindowClass(std::string_view instance,
+                                                       std::string_view windowClass);
     // The icon name behind an identifier this catalog handed out.
     std::optional<std::string> iconName(std::uint64_t identifier) const;
 

@@ -1,5 +1,6 @@
 #include "platform/x11/X11WindowModel.h"
 
+#include <unistd.h>
 #include <xcb/res.h>
 
 #include <algorithm>
@@ -25,6 +26,10 @@ const Logger& log() {
 // Beyond any kernel's pid_max: such a value is no process.
 constexpr std::uint32_t largestProcessIdentifier = 4194304;
 constexpr std::uint32_t preferredIconSide = 64;
+// Stand-ins: one per application from here on, one per X client from `clientStandIns`, both
+// beyond any process.
+constexpr std::uint32_t applicationStandIns = 0x60000000u;
+constexpr std::uint32_t clientStandIns = 0x40000000u;
 
 std::string processName(ProcessIdentifier process) {
     std::ifstream file("/proc/" + std::to_string(process) + "/comm");
@@ -35,7 +40,8 @@ std::string processName(ProcessIdentifier process) {
 
 }  // namespace
 
-X11WindowModel::X11WindowModel(X11Connection& connection) : connection_(connection) {
+X11WindowModel::X11WindowModel(X11Connection& connection, EntryOfClass entryOfClass)
+    : connection_(connection), entryOfClass_(std::move(entryOfClass)) {
     const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE;
     xcb_change_window_attributes(connection_.connection(), connection_.root(), XCB_CW_EVENT_MASK,
                                  &mask);
@@ -89,9 +95,16 @@ void X11WindowModel::handleEvent(const xcb_generic_event_t& event) {
             return;
         }
         auto found = windows_.find(notice.window);
-        if (found != windows_.end()) {
-            reloadProperty(found->second, notice.atom);
+        if (found == windows_.end()) {
+            return;
         }
+        if (notice.atom == connection_.atom("WM_STATE") &&
+            std::find(stacking_.begin(), stacking_.end(), notice.window) == stacking_.end() &&
+            !isStillManaged(notice.window)) {
+            forget(notice.window);
+            return;
+        }
+        reloadProperty(found->second, notice.atom);
     } else if (type == XCB_CONFIGURE_NOTIFY) {
         const auto& notice = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
         auto found = windows_.find(notice.window);
@@ -110,18 +123,30 @@ void X11WindowModel::handleEvent(const xcb_generic_event_t& event) {
         }
     } else if (type == XCB_DESTROY_NOTIFY) {
         const auto& notice = reinterpret_cast<const xcb_destroy_notify_event_t&>(event);
-        auto found = windows_.find(notice.window);
-        if (found == windows_.end()) {
-            return;
+        if (windows_.contains(notice.window)) {
+            forget(notice.window);
         }
-        const auto gone = found->second;
-        windows_.erase(found);
-        std::erase(stacking_, notice.window);
-        if (active_ == notice.window) {
-            active_.reset();
-        }
-        tell(ChangeKind::removed, gone);
     }
+}
+
+void X11WindowModel::forget(xcb_window_t window) {
+    const auto gone = windows_.at(window);
+    windows_.erase(window);
+    std::erase(stacking_, window);
+    if (active_ == window) {
+        active_.reset();
+    }
+    tell(ChangeKind::removed, gone);
+}
+
+bool X11WindowModel::isStillManaged(xcb_window_t window) {
+    // A window manager that quits or restarts leaves WM_STATE on its clients for the next one;
+    // one that lets a window go erases it or says Withdrawn. A destroyed window has none.
+    const auto property =
+        connection_.property(connection_.requestProperty(window, connection_.atom("WM_STATE")));
+    const auto state = property ? property->cardinal() : std::nullopt;
+    constexpr std::uint32_t normal = 1, iconic = 3;
+    return state == normal || state == iconic;
 }
 
 void X11WindowModel::reloadCurrentDesktop() {
@@ -141,13 +166,22 @@ void X11WindowModel::reloadStacking() {
     }
     std::vector<xcb_window_t> stacking(bottomToTop.rbegin(), bottomToTop.rend());
 
+    std::vector<xcb_window_t> unlisted;
+    for (const auto& [window, client] : windows_) {
+        if (std::find(stacking.begin(), stacking.end(), window) == stacking.end()) {
+            unlisted.push_back(window);
+        }
+    }
     std::vector<ClientWindow> removed;
-    for (auto it = windows_.begin(); it != windows_.end();) {
-        if (std::find(stacking.begin(), stacking.end(), it->first) == stacking.end()) {
-            removed.push_back(it->second);
-            it = windows_.erase(it);
-        } else {
-            ++it;
+    for (auto window : unlisted) {
+        if (!isStillManaged(window)) {
+            removed.push_back(windows_.at(window));
+            windows_.erase(window);
+        } else if (std::find(stacking_.begin(), stacking_.end(), window) != stacking_.end()) {
+            log().debug(
+                "window 0x%{public}x left the client list but is still managed; kept for "
+                "the next window manager",
+                window);
         }
     }
     std::vector<xcb_window_t> added;
@@ -228,21 +262,36 @@ X11WindowModel::ClientWindow X11WindowModel::read(xcb_window_t window) {
     for (auto property : properties) {
         reloadProperty(client, property);
     }
-    if (!client.hasRealProcess) {
-        if (auto process = processFromResources(window)) {
-            client.process = *process;
-            client.hasRealProcess = true;
-        } else {
-            // One stand-in per X client, from the client's share of resource identifiers.
-            client.process = static_cast<ProcessIdentifier>(0x40000000u | (window >> 21));
-            log().debug("window 0x%{public}x names no process; grouped by its X client", window);
-        }
+    if (!client.owner) {
+        client.owner = processFromResources(window);
     }
-    if (client.applicationName.empty() && client.hasRealProcess) {
-        client.applicationName = processName(client.process);
+    client.process = applicationOf(client);
+    if (client.applicationName.empty() && client.owner) {
+        client.applicationName = processName(*client.owner);
     }
     readIcon(client);
     return client;
+}
+
+ProcessIdentifier X11WindowModel::applicationOf(const ClientWindow& client) {
+    if (client.owner == static_cast<ProcessIdentifier>(getpid())) {
+        return *client.owner;
+    }
+    std::string key;
+    if (auto path = entryOfClass_ ? entryOfClass_(client.windowInstance, client.windowClass)
+                                  : std::nullopt) {
+        key = "entry " + *path;
+    } else if (!client.windowClass.empty()) {
+        key = "class " + client.windowClass;
+    } else if (client.owner) {
+        return *client.owner;
+    } else {
+        log().debug("window 0x%{public}x names no class or process; grouped by its X client",
+                    client.window);
+        return static_cast<ProcessIdentifier>(clientStandIns | (client.window >> 21));
+    }
+    const auto standIn = static_cast<ProcessIdentifier>(applicationStandIns + applications_.size());
+    return applications_.try_emplace(std::move(key), standIn).first->second;
 }
 
 void X11WindowModel::reloadProperty(ClientWindow& client, xcb_atom_t atom) {
@@ -263,8 +312,7 @@ void X11WindowModel::reloadProperty(ClientWindow& client, xcb_atom_t atom) {
     if (atom == ewmh._NET_WM_PID) {
         const auto value = property ? property->cardinal() : std::nullopt;
         if (value && *value > 0 && *value <= largestProcessIdentifier) {
-            client.process = static_cast<ProcessIdentifier>(*value);
-            client.hasRealProcess = true;
+            client.owner = static_cast<ProcessIdentifier>(*value);
         } else if (value) {
             log().debug("window 0x%{public}x claims process %{public}u; ignored", client.window,
                         *value);

@@ -1,8 +1,9 @@
 // What the X server and the window manager say of the desktop's client windows, kept up to date
 // from property and structure events: the stacking order, the active window, the current
 // desktop, and each window's owner, title, class, type, state, desktop, frame extents, opacity and
-// icon. Geometry follows the window manager's configure notices and is read from the server only
-// for windows whose notices did not tell it. Main thread only.
+// icon. A window manager's restart keeps every window as it was. Geometry follows the window
+// manager's configure notices and is read from the server only for windows whose notices did not
+// tell it. Main thread only.
 #pragma once
 
 #include <xcb/xcb.h>
@@ -12,6 +13,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "core/Geometry.h"
@@ -30,8 +32,11 @@ class X11WindowModel {
         // which X identifiers never use, so that a window identifier the server hands out again
         // soon after is not taken for the window it named before.
         WindowIdentifier identifier = 0;
+        // The application the window belongs to, as the desktop counts them (see `Applications`);
+        // a stand-in, not a process, unless the window has no class.
         ProcessIdentifier process = 0;
-        bool hasRealProcess = false;
+        // The process that says it owns the window, when one does.
+        std::optional<ProcessIdentifier> owner;
         std::string title;
         // The class part of WM_CLASS, else the process's name.
         std::string applicationName;
@@ -58,7 +63,14 @@ class X11WindowModel {
     enum class ChangeKind { added, removed, activated, minimized, unminimized, titled };
     using Listener = std::function<void(ChangeKind kind, const ClientWindow& window)>;
 
-    explicit X11WindowModel(X11Connection& connection);
+    // Which desktop entry a WM_CLASS (instance, class) belongs to, by its path; nothing for none.
+    using EntryOfClass = std::function<std::optional<std::string>(std::string_view instance,
+                                                                  std::string_view windowClass)>;
+
+    // Windows are one application when their class matches one desktop entry, else when they have
+    // the same class; windows without a class go by their process, then by their X client. The
+    // program's own windows keep its process, by which the logic knows them.
+    X11WindowModel(X11Connection& connection, EntryOfClass entryOfClass = {});
 
     // The window behind an identifier the model handed out, while it lives.
     const ClientWindow* windowOf(WindowIdentifier identifier) const;
@@ -85,8 +97,15 @@ class X11WindowModel {
     void readIcon(ClientWindow& client);
     void tell(ChangeKind kind, const ClientWindow& window);
     std::optional<ProcessIdentifier> processFromResources(xcb_window_t window);
+    ProcessIdentifier applicationOf(const ClientWindow& client);
+    // Whether a window that left the client list is only between two window managers.
+    bool isStillManaged(xcb_window_t window);
+    void forget(xcb_window_t window);
 
     X11Connection& connection_;
+    EntryOfClass entryOfClass_;
+    // The stand-in process of each application, by its desktop entry or class.
+    std::map<std::string, ProcessIdentifier> applications_;
     std::vector<xcb_window_t> stacking_;
     std::map<xcb_window_t, ClientWindow> windows_;
     std::optional<xcb_window_t> active_;

@@ -1,8 +1,9 @@
-// The workspace over the window model: a running application is a process with client windows,
-// named and drawn as the desktop entry that matches its window class says, else by its window
-// class or process name and its windows' own icon; the frontmost one owns the active window. Posts
-// the launch, termination and activation notices on the workspace notification centre as the window
-// model tells of them; it must be made before the Accessibility port, so that it hears first.
+// The workspace over the window model: a running application is one of the model's applications
+// (a desktop entry or a window class) with client windows, named and drawn as the desktop entry
+// that matches its window class says, else by its window class or process name and its windows' own
+// icon; the frontmost one owns the active window. Posts the launch, termination and activation
+// notices on the workspace notification centre as the window model tells of them; it must be made
+// before the Accessibility port, so that it hears first.
 #pragma once
 
 #include <map>
