@@ -90,6 +90,7 @@ PreferencesPaneContent GeneralPreferencesView::content() {
                      .selectedIndex = static_cast<std::size_t>(preferences.cardSize)}},
          {PaneFootnote{"Row keeps every window on one line and wraps into a grid automatically "
                        "when there are too many."}}});
+    noteFailedWrite(pane, *preferencesProvider_);
     return pane;
 }
 
@@ -100,13 +101,13 @@ bool GeneralPreferencesView::setToggle(std::string_view label, bool isOn) {
         return true;
     }
     if (label == menuBarToggle) {
-        preferencesProvider_->modifyPreferences(
-            [isOn](SwitcherPreferences& preferences) { preferences.menuBarIconVisible = isOn; });
+        change(*preferencesProvider_, menuBarToggle,
+               [isOn](SwitcherPreferences& preferences) { preferences.menuBarIconVisible = isOn; });
         return true;
     }
     if (label == previewsToggle && isScreenRecordingGranted()) {
-        preferencesProvider_->modifyPreferences(
-            [isOn](SwitcherPreferences& preferences) { preferences.thumbnailsEnabled = isOn; });
+        change(*preferencesProvider_, previewsToggle,
+               [isOn](SwitcherPreferences& preferences) { preferences.thumbnailsEnabled = isOn; });
         return true;
     }
     return false;
@@ -114,13 +115,13 @@ bool GeneralPreferencesView::setToggle(std::string_view label, bool isOn) {
 
 bool GeneralPreferencesView::pick(std::string_view label, std::size_t segment) {
     if (label == layoutPicker && segment < allSwitcherOverlayLayoutStyles.size()) {
-        preferencesProvider_->modifyPreferences([segment](SwitcherPreferences& preferences) {
+        change(*preferencesProvider_, layoutPicker, [segment](SwitcherPreferences& preferences) {
             preferences.overlayLayoutStyle = allSwitcherOverlayLayoutStyles[segment];
         });
         return true;
     }
     if (label == cardSizePicker && segment < allSwitcherCardSizes.size()) {
-        preferencesProvider_->modifyPreferences([segment](SwitcherPreferences& preferences) {
+        change(*preferencesProvider_, cardSizePicker, [segment](SwitcherPreferences& preferences) {
             preferences.cardSize = allSwitcherCardSizes[segment];
         });
         return true;

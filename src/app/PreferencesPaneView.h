@@ -5,10 +5,13 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <string>
 #include <string_view>
 
 #include "app/PreferencesPaneContent.h"
 #include "core/Observable.h"
+#include "preferences/PreferencesStore.h"
 
 namespace orvane {
 
@@ -34,8 +37,44 @@ class PreferencesPaneView {
   protected:
     void redraw() { redraws_.set(redraws_.value() + 1); }
 
+    // Writes the change the control `label` made; when the store could not keep it, the control
+    // is remembered, for `noteFailedWrite` to say why beside it.
+    void change(PreferencesStore& store, std::string_view label,
+                const std::function<void(SwitcherPreferences&)>& change) {
+        store.modifyPreferences(change);
+        const bool wasNoted = !failedControl_.empty();
+        failedControl_ = store.lastWriteFailure() ? std::string(label) : std::string();
+        // The store's notice drew the pane before the control was known.
+        if (wasNoted || !failedControl_.empty()) {
+            redraw();
+        }
+    }
+    // Under the section of the control whose change was not kept: why, and that the control
+    // shows the value in effect.
+    void noteFailedWrite(PreferencesPaneContent& pane, const PreferencesStore& store) const {
+        if (failedControl_.empty() || !store.lastWriteFailure()) {
+            return;
+        }
+        for (auto& section : pane.sections) {
+            for (const auto& row : section.rows) {
+                const auto* toggle = std::get_if<PaneToggle>(&row);
+                const auto* picker = std::get_if<PanePicker>(&row);
+                if ((toggle != nullptr && toggle->label == failedControl_) ||
+                    (picker != nullptr && picker->label == failedControl_)) {
+                    section.footer.insert(
+                        section.footer.begin(),
+                        PaneFootnote{
+                            "This change could not be saved: " + *store.lastWriteFailure() +
+                            ". The setting shown is the one in effect."});
+                    return;
+                }
+            }
+        }
+    }
+
   private:
     Observable<std::uint64_t> redraws_;
+    std::string failedControl_;
 };
 
 }  // namespace orvane

@@ -76,19 +76,22 @@ PreferencesPaneContent ShortcutPreferencesView::content() {
                               PaneToggle{.label = std::string(sameApplicationToggle),
                                          .isOn = preferences.sameApplicationCyclingEnabled}},
                              {}});
+    noteFailedWrite(pane, *preferencesProvider_);
     return pane;
 }
 
 bool ShortcutPreferencesView::setToggle(std::string_view label, bool isOn) {
     if (label == reverseToggle) {
-        preferencesProvider_->modifyPreferences(
-            [isOn](SwitcherPreferences& preferences) { preferences.reverseCyclingEnabled = isOn; });
+        change(*preferencesProvider_, reverseToggle, [isOn](SwitcherPreferences& preferences) {
+            preferences.reverseCyclingEnabled = isOn;
+        });
         return true;
     }
     if (label == sameApplicationToggle) {
-        preferencesProvider_->modifyPreferences([isOn](SwitcherPreferences& preferences) {
-            preferences.sameApplicationCyclingEnabled = isOn;
-        });
+        change(*preferencesProvider_, sameApplicationToggle,
+               [isOn](SwitcherPreferences& preferences) {
+                   preferences.sameApplicationCyclingEnabled = isOn;
+               });
         return true;
     }
     return false;
@@ -98,7 +101,7 @@ bool ShortcutPreferencesView::pick(std::string_view label, std::size_t segment) 
     if (label != holdModifierPicker || segment >= allSwitcherHoldModifiers.size()) {
         return false;
     }
-    preferencesProvider_->modifyPreferences([segment](SwitcherPreferences& preferences) {
+    change(*preferencesProvider_, holdModifierPicker, [segment](SwitcherPreferences& preferences) {
         preferences.shortcutConfiguration.holdModifier = allSwitcherHoldModifiers[segment];
     });
     return true;

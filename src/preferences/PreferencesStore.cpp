@@ -28,7 +28,14 @@ void PreferencesStore::setPreferences(const SwitcherPreferences& preferences) {
 }
 
 void PreferencesStore::modifyPreferences(const std::function<void(SwitcherPreferences&)>& change) {
-    changeAndPersist(change);
+    tell(willChangeObservers_);
+    const auto stored = preferences_;
+    change(preferences_);
+    if (!persist() && lastWriteFailure_) {
+        // A control the user just set shows what will be there after a restart, not a wish.
+        preferences_ = stored;
+    }
+    tell(didChangeObservers_);
 }
 
 void PreferencesStore::changeAndPersist(const std::function<void(SwitcherPreferences&)>& change) {
@@ -38,14 +45,15 @@ void PreferencesStore::changeAndPersist(const std::function<void(SwitcherPrefere
     tell(didChangeObservers_);
 }
 
-void PreferencesStore::persist() const {
+bool PreferencesStore::persist() {
     const auto encoded = encoder_(preferences_);
     if (!encoded.bytes) {
         // The record stays current in memory; the next write tries again.
         log_.error("failed to persist preferences: %{public}s", encoded.error);
-        return;
+        return false;
     }
-    userDefaults_->setData(preferencesDefaultsKey, *encoded.bytes);
+    lastWriteFailure_ = userDefaults_->setData(preferencesDefaultsKey, *encoded.bytes);
+    return !lastWriteFailure_;
 }
 
 void PreferencesStore::tell(const Observers& observers) const {

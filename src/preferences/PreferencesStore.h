@@ -4,6 +4,8 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -36,8 +38,13 @@ class PreferencesStore final : public PreferencesProviding {
     void setPreferences(const SwitcherPreferences& preferences) override;
 
     // Changes fields of the current record in place, as the Settings panes write: both notices
-    // are given around the change and the persisting, without comparing the records.
+    // are given around the change and the persisting, without comparing the records. When the
+    // user defaults can't store the result, the change is undone before the second notice, so
+    // that the panes show what is stored, and `lastWriteFailure` says why.
     void modifyPreferences(const std::function<void(SwitcherPreferences&)>& change);
+
+    // Why the last write of a change failed; nothing once a write succeeds.
+    const std::optional<std::string>& lastWriteFailure() const { return lastWriteFailure_; }
 
     // Told, with the new record, after each change has been stored and persisted.
     ObservationToken observePreferences(Observer observer) override;
@@ -51,7 +58,8 @@ class PreferencesStore final : public PreferencesProviding {
     using Observers = std::vector<std::pair<ObservationToken, Observer>>;
 
     void changeAndPersist(const std::function<void(SwitcherPreferences&)>& change);
-    void persist() const;
+    // Answers whether the bytes were stored (an encoding failure stores nothing, and says so).
+    bool persist();
     void tell(const Observers& observers) const;
 
     std::shared_ptr<UserDefaultsPort> userDefaults_;
@@ -61,6 +69,7 @@ class PreferencesStore final : public PreferencesProviding {
     Observers willChangeObservers_;
     Observers didChangeObservers_;
     ObservationToken lastToken_ = 0;
+    std::optional<std::string> lastWriteFailure_;
 };
 
 }  // namespace orvane

@@ -1,6 +1,6 @@
 // What the scenario transcripts cannot show of the Settings window and the menu: when the window
-// title is set, that the About pane's poll runs exactly while the pane shows, and that the menu is
-// told of a permission change without being asked.
+// title is set, that the About pane's poll runs exactly while the pane shows, that the menu is
+// told of a permission change without being asked, and what a change the disk refuses shows.
 
 #include <gtest/gtest.h>
 
@@ -112,6 +112,32 @@ TEST_F(SettingsWindowTest, TheMenuIsToldOfPermissionAndUpdaterChangesAndTheIconF
     preferences.menuBarIconVisible = true;
     app->delegate()->preferencesStore()->setPreferences(preferences);
     EXPECT_TRUE(scene.isInserted().value());
+}
+
+// A change the disk refuses is undone, so the control shows what is in effect, and the pane says
+// why under that control's section; the next change that is kept clears the note.
+TEST_F(SettingsWindowTest, AChangeTheDiskRefusesIsUndoneAndSaidBesideItsControl) {
+    auto& general = settings().pane(SettingsPane::general);
+    const auto layoutFooter = [&] {
+        for (const auto& section : general.content().sections) {
+            if (section.header == "Layout") {
+                return std::get<PaneFootnote>(section.footer.front()).text;
+            }
+        }
+        return std::string();
+    };
+    const auto store = app->delegate()->preferencesStore();
+    machine.userDefaults->failWrites("cannot write prefs.json (Read-only file system)");
+    EXPECT_TRUE(general.pick("Card size", 2));
+    EXPECT_EQ(store->preferences().cardSize, SwitcherCardSize::medium);
+    EXPECT_EQ(layoutFooter(),
+              "This change could not be saved: cannot write prefs.json (Read-only file system). "
+              "The setting shown is the one in effect.");
+
+    machine.userDefaults->failWrites(std::nullopt);
+    EXPECT_TRUE(general.pick("Card size", 2));
+    EXPECT_EQ(store->preferences().cardSize, SwitcherCardSize::large);
+    EXPECT_EQ(layoutFooter().find("could not be saved"), std::string::npos);
 }
 
 }  // namespace

@@ -49,7 +49,8 @@ TEST_F(XdgUserDefaultsTest, WritesWholeRecordsThatSurviveARestartAndUnwritableFo
     // root) keeps the last good record whole.
     const auto blocker = restarted.pathForKey(preferencesDefaultsKey).string() + ".tmp";
     fs::create_directory(blocker);
-    restarted.setData(preferencesDefaultsKey, R"({"cardSize":"small"})");
+    EXPECT_THAT(restarted.setData(preferencesDefaultsKey, R"({"cardSize":"small"})"),
+                ::testing::Optional(::testing::HasSubstr("cannot write " + folder.string())));
     EXPECT_EQ(restarted.dataForKey(preferencesDefaultsKey), R"({"cardSize":"large"})");
     EXPECT_THAT(capture.sink().messages(LogCategory::preferences),
                 ::testing::Contains(::testing::HasSubstr("the previous record is kept")));

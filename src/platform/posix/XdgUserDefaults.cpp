@@ -105,7 +105,8 @@ void XdgUserDefaults::keepAside(const std::filesystem::path& path, const std::st
     }
 }
 
-void XdgUserDefaults::setData(const std::string& key, const std::string& bytes) {
+std::optional<std::string> XdgUserDefaults::setData(const std::string& key,
+                                                    const std::string& bytes) {
     const auto path = pathForKey(key);
     std::error_code error;
     std::filesystem::create_directories(folder_, error);
@@ -124,11 +125,13 @@ void XdgUserDefaults::setData(const std::string& key, const std::string& bytes) 
             ::fsync(folder);
             ::close(folder);
         }
-        return;
+        return std::nullopt;
     }
-    log().error("cannot write %{public}s (%{public}s); the previous record is kept", path.string(),
-                std::strerror(ok ? errno : savedErrno));
+    const std::string failure =
+        "cannot write " + path.string() + " (" + std::strerror(ok ? errno : savedErrno) + ")";
+    log().error("%{public}s; the previous record is kept", failure);
     ::unlink(temporary.c_str());
+    return failure;
 }
 
 }  // namespace orvane

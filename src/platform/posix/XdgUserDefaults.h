@@ -26,7 +26,7 @@ class XdgUserDefaults final : public UserDefaultsPort {
 
     std::optional<std::string> dataForKey(const std::string& key) const override;
     // A failed write is logged and leaves the file as it was.
-    void setData(const std::string& key, const std::string& bytes) override;
+    std::optional<std::string> setData(const std::string& key, const std::string& bytes) override;
 
     std::filesystem::path pathForKey(const std::string& key) const;
 

@@ -10,9 +10,14 @@ std::optional<std::string> SimulatedUserDefaults::dataForKey(const std::string& 
     return found->second;
 }
 
-void SimulatedUserDefaults::setData(const std::string& key, const std::string& bytes) {
+std::optional<std::string> SimulatedUserDefaults::setData(const std::string& key,
+                                                          const std::string& bytes) {
+    if (failure_) {
+        return failure_;
+    }
     values_[key] = bytes;
     ++writeCounts_[key];
+    return std::nullopt;
 }
 
 std::size_t SimulatedUserDefaults::writeCount(const std::string& key) const {

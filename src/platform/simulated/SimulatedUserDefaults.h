@@ -4,6 +4,8 @@
 
 #include <cstddef>
 #include <map>
+#include <optional>
+#include <string>
 
 #include "platform/UserDefaultsPort.h"
 
@@ -12,7 +14,9 @@ namespace orvane {
 class SimulatedUserDefaults final : public UserDefaultsPort {
   public:
     std::optional<std::string> dataForKey(const std::string& key) const override;
-    void setData(const std::string& key, const std::string& bytes) override;
+    std::optional<std::string> setData(const std::string& key, const std::string& bytes) override;
+    // From now on every write fails for `reason`, as on a read-only disk; nothing writes again.
+    void failWrites(std::optional<std::string> reason) { failure_ = std::move(reason); }
 
     // The number of writes to `key` since construction.
     std::size_t writeCount(const std::string& key) const;
@@ -20,6 +24,7 @@ class SimulatedUserDefaults final : public UserDefaultsPort {
   private:
     std::map<std::string, std::string> values_;
     std::map<std::string, std::size_t> writeCounts_;
+    std::optional<std::string> failure_;
 };
 
 }  // namespace orvane
