@@ -3,10 +3,13 @@
 // drawn on. Orvane runs side by side with a minimal program that maps a prepared window on the
 // same key.
 //   orvane_desktop_benchmark [TRIALS]
-// Prints, for 6 and 30 windows, the median and 90th percentile of: Tab press to overlay painted,
-// previews painted when any are taken, Tab to repaint (Orvane only), Alt release to the chosen
-// window active; then a keystroke to the launcher repainted with 2,000 desktop entries installed;
-// then Orvane's CPU time and wake-ups over 30 idle seconds.
+// On a 1920x1080 screen, prints for 6, 30 and 150 windows the median and 90th percentile of: Tab
+// press to overlay painted, previews painted when any are taken, Tab to repaint (Orvane only), Alt
+// release to the chosen window active, for Orvane and for two minimal programs: one that maps a
+// small window and draws a card, one that maps a window of Orvane's panel size whose picture is
+// already on the server. Then a keystroke to the launcher repainted with 2,000 desktop entries
+// installed; Orvane's memory after 50 and after 1,000 gestures with previews; and its CPU time
+// and wake-ups over 30 idle seconds.
 
 #include <poll.h>
 #include <signal.h>
@@ -24,6 +27,8 @@
 #include <string>
 #include <string_view>
 #include <thread>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "DesktopSession.h"
@@ -49,6 +54,11 @@ struct Sample {
         std::snprintf(text, sizeof text, "%7.2f %6.2f", sorted[sorted.size() / 2],
                       sorted[std::min(sorted.size() - 1, sorted.size() * 9 / 10)]);
         return text;
+    }
+    double median() const {
+        auto sorted = values;
+        std::sort(sorted.begin(), sorted.end());
+        return sorted[sorted.size() / 2];
     }
 };
 
@@ -127,7 +137,20 @@ class Probe {
 
 struct Results {
     Sample painted, previewed, repainted, activated;
+    // The overlay window's size, as last seen on screen.
+    std::uint16_t width = 0, height = 0;
 };
+
+std::pair<std::uint16_t, std::uint16_t> sizeOf(DesktopSession& session, xcb_window_t window) {
+    auto* reply = xcb_get_geometry_reply(session.connection(),
+                                         xcb_get_geometry(session.connection(), window), nullptr);
+    std::pair<std::uint16_t, std::uint16_t> size{0, 0};
+    if (reply != nullptr) {
+        size = {reply->width, reply->height};
+    }
+    std::free(reply);
+    return size;
+}
 
 Results measure(DesktopSession& session, int trials, bool measureRepaint) {
     Probe probe(session);
@@ -146,6 +169,9 @@ Results measure(DesktopSession& session, int trials, bool measureRepaint) {
         if (const double previewed = probe.lastDamage(start, quiet); previewed >= 0) {
             results.painted.values.push_back(probe.firstDamage());
             results.previewed.values.push_back(previewed);
+        }
+        if (const auto overlay = session.overlayWindow()) {
+            std::tie(results.width, results.height) = sizeOf(session, *overlay);
         }
         if (measureRepaint) {
             start = Clock::now();
@@ -218,6 +244,7 @@ Sample measureLauncher(DesktopSession& session, int trials) {
 struct Usage {
     double cpuSeconds = 0;
     long wakeUps = 0;
+    double residentMegabytes = 0;
 };
 
 Usage usage(pid_t process) {
@@ -237,16 +264,47 @@ Usage usage(pid_t process) {
         if (line.rfind("voluntary_ctxt_switches:", 0) == 0 ||
             line.rfind("nonvoluntary_ctxt_switches:", 0) == 0) {
             result.wakeUps += std::stol(line.substr(line.find(':') + 1));
+        } else if (line.rfind("VmRSS:", 0) == 0) {
+            result.residentMegabytes = std::stod(line.substr(line.find(':') + 1)) / 1024.0;
         }
     }
     return result;
+}
+
+// Resident memory after 50 and after 1,000 quick gestures with previews, among the clients there
+// are now.
+void measureMemory(DesktopSession& session) {
+    session.startProgram();
+    std::this_thread::sleep_for(std::chrono::seconds(1));
+    const auto alt = session.keycode("Alt_L");
+    const auto tab = session.keycode("Tab");
+    Probe probe(session);
+    double after50 = 0;
+    for (int gesture = 1; gesture <= 1000; ++gesture) {
+        probe.key(XCB_KEY_PRESS, alt);
+        probe.key(XCB_KEY_PRESS, tab);
+        probe.key(XCB_KEY_RELEASE, tab);
+        // Long enough for the previews to be taken and drawn.
+        std::this_thread::sleep_for(std::chrono::milliseconds(40));
+        probe.key(XCB_KEY_RELEASE, alt);
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        if (gesture == 50) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(500));
+            after50 = usage(session.programProcess()).residentMegabytes;
+        }
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    const double after1000 = usage(session.programProcess()).residentMegabytes;
+    std::printf("Memory with previews: %.1f MB after 50 gestures, %.1f MB after 1,000 (%+.1f MB)\n",
+                after50, after1000, after1000 - after50);
+    session.stopProgram();
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
     const int trials = argc > 1 ? std::max(3, std::atoi(argv[1])) : 20;
-    DesktopSession session;
+    DesktopSession session("1920x1080");
     if (!session.isReady()) {
         std::fprintf(stderr, "no X server could be started\n");
         return 1;
@@ -254,33 +312,53 @@ int main(int argc, char** argv) {
     // "launcher" as a second argument measures only the launcher, for profiling it.
     const bool launcherOnly = argc > 2 && std::string_view(argv[2]) == "launcher";
     std::vector<DesktopSession::Client> clients;
-    std::printf("Key to screen under Xvfb, %d trials, median and 90th percentile in ms\n", trials);
-    std::printf("%-8s %-8s %-15s %-15s %-15s %-15s\n", "windows", "program", "press→painted",
+    std::printf(
+        "Key to screen under Xvfb (1920x1080), %d trials, median and 90th percentile in ms\n",
+        trials);
+    std::printf("%-8s %-18s %-15s %-15s %-15s %-15s\n", "windows", "program", "press→painted",
                 "press→previews", "Tab→repainted", "release→active");
-    for (int windows : {6, 30}) {
+    const auto tab = std::to_string(session.keycode("Tab"));
+    const auto alt = std::to_string(session.keycode("Alt_L"));
+    auto print = [](int windows, const std::string& program, const Results& results) {
+        std::printf("%-8d %-18s %-15s %-15s %-15s %-15s\n", windows, program.c_str(),
+                    results.painted.summary().c_str(), results.previewed.summary().c_str(),
+                    results.repainted.summary().c_str(), results.activated.summary().c_str());
+    };
+    for (int windows : {6, 30, 150}) {
         if (launcherOnly) {
             break;
         }
         while (static_cast<int>(clients.size()) < windows) {
             clients.push_back(session.startClient("Window " + std::to_string(clients.size() + 1),
-                                                  0x202020u + 0x050301u * clients.size()));
+                                                  0x202020u + 0x050301u * (clients.size() % 40)));
         }
-        auto minimal =
-            session.spawn({ORVANE_MINIMAL_SWITCHER_PATH, std::to_string(session.keycode("Tab")),
-                           std::to_string(session.keycode("Alt_L"))},
-                          session.folder() / "minimal.log");
+        auto minimal = session.spawn({ORVANE_MINIMAL_SWITCHER_PATH, tab, alt},
+                                     session.folder() / "minimal.log");
         std::this_thread::sleep_for(std::chrono::milliseconds(300));
         const auto yardstick = measure(session, trials, false);
         session.stopProcess(minimal);
         session.startProgram();
         const auto orvane = measure(session, trials, true);
         session.stopProgram();
-        std::printf("%-8d %-8s %-15s %-15s %-15s %-15s\n", windows, "minimal",
-                    yardstick.painted.summary().c_str(), "      -      -", "      -      -",
-                    yardstick.activated.summary().c_str());
-        std::printf("%-8d %-8s %-15s %-15s %-15s %-15s\n", windows, "orvane",
-                    orvane.painted.summary().c_str(), orvane.previewed.summary().c_str(),
-                    orvane.repainted.summary().c_str(), orvane.activated.summary().c_str());
+        // The least any program can do to show a picture of Orvane's size.
+        auto prepared = session.spawn({ORVANE_MINIMAL_SWITCHER_PATH, tab, alt,
+                                       std::to_string(orvane.width), std::to_string(orvane.height)},
+                                      session.folder() / "minimal.log");
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        const auto sameSize = measure(session, trials, false);
+        session.stopProcess(prepared);
+        print(windows, "minimal 680x200", yardstick);
+        print(windows,
+              "minimal " + std::to_string(orvane.width) + "x" + std::to_string(orvane.height),
+              sameSize);
+        print(windows, "orvane", orvane);
+        if (!orvane.painted.values.empty() && !sameSize.painted.values.empty()) {
+            std::printf("%-8d painted, orvane / same-size minimal: %.2fx\n", windows,
+                        orvane.painted.median() / sameSize.painted.median());
+        }
+        if (windows == 30) {
+            measureMemory(session);
+        }
     }
 
     installEntries(session.applicationsFolder(), 2000);

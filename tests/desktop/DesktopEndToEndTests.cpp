@@ -272,6 +272,45 @@ TEST_F(DesktopEndToEndTest, AWindowManagerRestartKeepsTheOrderAndOneClassIsOneAp
     EXPECT_TRUE(becomesActive(middle.window));
 }
 
+// More windows than the screen has room for: the panel is cut to the screen, the most recent
+// windows first, and scrolls so that the selection is always in sight, down to the oldest window.
+TEST_F(DesktopEndToEndTest, ManyWindowsOnASmallScreenKeepTheSelectionInSight) {
+    for (int index = 0; index < 40; ++index) {
+        start("Many " + std::to_string(index), 0x303030 + 0x010203 * index);
+    }
+    // The mean row of the selection's outline in the overlay's pixels; negative without one.
+    const auto selectionRow = [&](DesktopSession::Capture& capture) {
+        const auto overlay = session->overlayWindow();
+        if (!overlay) {
+            return -1.0;
+        }
+        capture = session->capture(*overlay, session->folder() / "many.png");
+        double rows = 0, count = 0;
+        for (std::size_t index = 0; index < capture.pixels.size(); ++index) {
+            if (capture.pixels[index] == 0x0a84ff) {
+                rows += static_cast<double>(index / static_cast<std::size_t>(capture.width));
+                ++count;
+            }
+        }
+        return count > 100 ? rows / count : -1.0;
+    };
+    DesktopSession::Capture capture;
+    session->press("Alt_L");
+    session->tap("Tab");
+    EXPECT_TRUE(DesktopSession::waitFor([&] { return selectionRow(capture) >= 0; }));
+    EXPECT_EQ(capture.height, 800) << "cut to the screen";
+    EXPECT_LT(selectionRow(capture), capture.height / 4);
+    session->press("Shift_L");
+    session->tap("Tab");
+    session->tap("Tab");
+    session->release("Shift_L");
+    EXPECT_TRUE(DesktopSession::waitFor([&] {
+        return selectionRow(capture) > capture.height * 3 / 4;
+    })) << selectionRow(capture);
+    session->tap("Escape");
+    session->release("Alt_L");
+}
+
 // A window on another virtual desktop comes forward with its desktop; a client with an impossible
 // process, a 200 KB title and a lying icon is listed like any other and breaks nothing.
 TEST_F(DesktopEndToEndTest, OtherDesktopsAndAbsurdClients) {

@@ -34,7 +34,7 @@ std::string readAll(const std::filesystem::path& path) {
 
 }  // namespace
 
-DesktopSession::DesktopSession() {
+DesktopSession::DesktopSession(const std::string& screen) {
     char pattern[] = "/tmp/orvane-desktop-XXXXXX";
     folder_ = ::mkdtemp(pattern);
     // Xvfb picks a free display and writes its number to the pipe.
@@ -43,7 +43,7 @@ DesktopSession::DesktopSession() {
         return;
     }
     server_ = spawn({ORVANE_XVFB_PATH, "-displayfd", std::to_string(pipe[1]), "-screen", "0",
-                     "1280x800x24", "-nolisten", "tcp"},
+                     screen + "x24", "-nolisten", "tcp"},
                     folder_ / "xvfb.log");
     ::close(pipe[1]);
     std::string number;

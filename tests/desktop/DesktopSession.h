@@ -18,7 +18,8 @@ namespace orvane::testing {
 
 class DesktopSession {
   public:
-    DesktopSession();
+    // The screen's size as Xvfb takes it: "1280x800".
+    explicit DesktopSession(const std::string& screen = "1280x800");
     ~DesktopSession();
 
     bool isReady() const { return connection_ != nullptr; }
@@ -31,6 +32,7 @@ class DesktopSession {
     std::size_t countInProgramLog(const std::string& text) const;
     // Whether the program has ended by itself (reaped here).
     bool programEnded();
+    pid_t programProcess() const { return program_; }
 
     struct Client {
         pid_t process = 0;

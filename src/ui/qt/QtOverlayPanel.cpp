@@ -2,12 +2,18 @@
 
 #include <xcb/xcb.h>
 
-#include <QBackingStore>
 #include <QGuiApplication>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QPointer>
+#include <QScreen>
 #include <QTimer>
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "overlay/OverlayGeometry.h"
 
@@ -17,6 +23,17 @@ namespace {
 
 // Far outside any screen: where the panel waits between gestures.
 constexpr int offscreen = -32000;
+// Room kept between the selected card and the cut edge of a panel that scrolls.
+constexpr int scrollMargin = 24;
+
+// The usable area of the screen that holds most of a rectangle, in desktop logical pixels.
+QRect usableArea(const QRect& rectangle) {
+    auto* screen = QGuiApplication::screenAt(rectangle.center());
+    if (screen == nullptr) {
+        screen = QGuiApplication::primaryScreen();
+    }
+    return screen != nullptr ? screen->availableGeometry() : rectangle;
+}
 
 }  // namespace
 
@@ -36,24 +53,73 @@ class QtOverlayPanel::Surface final : public QWidget {
         setFocusPolicy(Qt::NoFocus);
         setWindowTitle(QStringLiteral("Orvane overlay"));
     }
+    ~Surface() override { releasePicture(); }
 
     const bool translucent;
     OverlayViewData data;
-    // The Expose events of this request are already answered: the whole picture went up right
-    // after it.
-    std::optional<std::uint16_t> answeredRequest;
+    // The panel's picture as the window shows it, in device pixels.
+    QImage picture;
+
+    // On X11 the picture lives on the server too, as the window's background: the server draws
+    // it whenever the window comes on screen, and only changed lines are ever sent.
+    void keepOnServer(xcb_connection_t* connection) {
+        releasePicture();
+        connection_ = connection;
+        const auto window = static_cast<xcb_window_t>(winId());
+        auto* geometry =
+            xcb_get_geometry_reply(connection_, xcb_get_geometry(connection_, window), nullptr);
+        if (geometry == nullptr) {
+            return;
+        }
+        depth_ = geometry->depth;
+        std::free(geometry);
+        pixmap_ = xcb_generate_id(connection_);
+        xcb_create_pixmap(connection_, depth_, pixmap_, window,
+                          static_cast<std::uint16_t>(picture.width()),
+                          static_cast<std::uint16_t>(picture.height()));
+        context_ = xcb_generate_id(connection_);
+        xcb_create_gc(connection_, context_, pixmap_, 0, nullptr);
+        xcb_change_window_attributes(connection_, window, XCB_CW_BACK_PIXMAP, &pixmap_);
+    }
+    bool isOnServer() const { return pixmap_ != 0; }
+
+    // Sends these lines of the picture to the server; with `show`, the window draws them now.
+    void send(std::vector<std::pair<int, int>> lines, bool show) {
+        if (!isOnServer()) {
+            return;
+        }
+        // One request carries at most the server's maximum of bytes.
+        const auto rowBytes = static_cast<std::size_t>(picture.bytesPerLine());
+        const auto maximumRows = std::max<std::size_t>(
+            1, (std::size_t{xcb_get_maximum_request_length(connection_)} * 4 - 64) / rowBytes);
+        for (auto [top, bottom] : lines) {
+            for (int row = top; row < bottom;) {
+                const int rows = std::min(bottom - row, static_cast<int>(maximumRows));
+                xcb_put_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap_, context_,
+                              static_cast<std::uint16_t>(picture.width()),
+                              static_cast<std::uint16_t>(rows), 0, static_cast<std::int16_t>(row),
+                              0, depth_, static_cast<std::uint32_t>(rowBytes * rows),
+                              picture.constScanLine(row));
+                row += rows;
+            }
+            if (show) {
+                xcb_clear_area(connection_, 0, static_cast<xcb_window_t>(winId()), 0,
+                               static_cast<std::int16_t>(top),
+                               static_cast<std::uint16_t>(picture.width()),
+                               static_cast<std::uint16_t>(bottom - top));
+            }
+        }
+    }
 
   protected:
     bool nativeEvent(const QByteArray& eventType, void* message, qintptr* result) override {
         if (eventType == "xcb_generic_event_t") {
-            const auto* event = static_cast<const xcb_generic_event_t*>(message);
-            const auto type = event->response_type & 0x7f;
-            if (type == XCB_EXPOSE && answeredRequest && event->sequence == *answeredRequest) {
-                return true;
-            }
-            // The panel places itself, and Qt's answer to a move is a handful of round trips to
-            // the server (frame margins, coordinates) at the start of every gesture.
-            if (type == XCB_CONFIGURE_NOTIFY) {
+            const auto type =
+                static_cast<const xcb_generic_event_t*>(message)->response_type & 0x7f;
+            // The server answers exposures from the background; and the panel places itself,
+            // where Qt's answer to a move is a handful of round trips to the server (frame
+            // margins, coordinates) at the start of every gesture.
+            if ((type == XCB_EXPOSE && isOnServer()) || type == XCB_CONFIGURE_NOTIFY) {
                 return true;
             }
         }
@@ -61,21 +127,30 @@ class QtOverlayPanel::Surface final : public QWidget {
     }
 
     void paintEvent(QPaintEvent* event) override {
+        // What Qt paints by itself (after a resize, or without X11) is the same picture.
         QPainter painter(this);
-        if (translucent) {
-            painter.setCompositionMode(QPainter::CompositionMode_Source);
-            painter.fillRect(event->rect(), Qt::transparent);
-            painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-        }
+        painter.setCompositionMode(QPainter::CompositionMode_Source);
         painter.setClipRegion(event->region());
-        panel_.renderer_.paint(painter, data, !translucent, &event->region());
+        painter.drawImage(QPoint(0, 0), picture);
         if (panel_.onPainted) {
             panel_.onPainted();
         }
     }
 
   private:
+    void releasePicture() {
+        if (pixmap_ != 0) {
+            xcb_free_gc(connection_, context_);
+            xcb_free_pixmap(connection_, pixmap_);
+            pixmap_ = 0;
+        }
+    }
+
     QtOverlayPanel& panel_;
+    xcb_connection_t* connection_ = nullptr;
+    xcb_pixmap_t pixmap_ = 0;
+    xcb_gcontext_t context_ = 0;
+    std::uint8_t depth_ = 0;
 };
 
 QtOverlayPanel::QtOverlayPanel(Environment environment, QtOverlayRenderer renderer)
@@ -155,21 +230,128 @@ void QtOverlayPanel::rebuildNow() {
         return;
     }
     auto data = builder_->build(*viewModel_, size_);
-    const auto changed = QtOverlayRenderer::changedRegion(surface_->data, data);
+    const auto scroll = scrollFor(data);
+    auto changed = QtOverlayRenderer::changedRegion(surface_->data, data);
     surface_->data = std::move(data);
-    if (!changed.isEmpty()) {
-        surface_->repaint(changed);
+    if (scroll != scroll_) {
+        scroll_ = scroll;
+        changed = QRegion(QRect(QPoint(0, 0), onScreen_.size()));
+    } else {
+        changed.translate(0, -scroll_);
     }
+    draw(changed & QRect(QPoint(0, 0), onScreen_.size()));
+}
+
+void QtOverlayPanel::preparePicture() {
+    const double ratio = surface_->devicePixelRatioF();
+    const QSize pixels(static_cast<int>(std::ceil(onScreen_.width() * ratio)),
+                       static_cast<int>(std::ceil(onScreen_.height() * ratio)));
+    auto& picture = surface_->picture;
+    if (picture.size() == pixels && !picture.isNull()) {
+        return;
+    }
+    picture =
+        QImage(pixels.expandedTo(QSize(1, 1)),
+               surface_->translucent ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32);
+    picture.setDevicePixelRatio(ratio);
+    picture.fill(Qt::transparent);
+    // Nothing of the last picture is left to compare with: the next one is drawn whole.
+    surface_->data = {};
+    if (auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>()) {
+        surface_->keepOnServer(x11->connection());
+    }
+}
+
+void QtOverlayPanel::draw(const QRegion& region) {
+    if (region.isEmpty()) {
+        return;
+    }
+    auto& picture = surface_->picture;
+    {
+        QPainter painter(&picture);
+        if (surface_->translucent) {
+            painter.setCompositionMode(QPainter::CompositionMode_Source);
+            for (const QRect& rect : region) {
+                painter.fillRect(rect, Qt::transparent);
+            }
+            painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+        }
+        // The window shows the panel from `scroll_` down.
+        const auto panelRegion = region.translated(0, scroll_);
+        painter.translate(0, -scroll_);
+        painter.setClipRegion(panelRegion);
+        renderer_.paint(painter, surface_->data, !surface_->translucent, &panelRegion);
+    }
+    if (!surface_->isOnServer()) {
+        surface_->repaint(region);
+        return;
+    }
+    // Whole lines of device pixels, merged where they meet.
+    const double ratio = picture.devicePixelRatio();
+    std::vector<std::pair<int, int>> lines;
+    for (const QRect& rect : region) {
+        lines.emplace_back(
+            std::max(0, static_cast<int>(std::floor(rect.top() * ratio))),
+            std::min(picture.height(), static_cast<int>(std::ceil((rect.bottom() + 1) * ratio))));
+    }
+    std::sort(lines.begin(), lines.end());
+    std::vector<std::pair<int, int>> merged;
+    for (const auto& line : lines) {
+        if (!merged.empty() && line.first <= merged.back().second) {
+            merged.back().second = std::max(merged.back().second, line.second);
+        } else {
+            merged.push_back(line);
+        }
+    }
+    surface_->send(std::move(merged), isPlaced_);
+    if (onPainted) {
+        onPainted();
+    }
+}
+
+int QtOverlayPanel::scrollFor(const OverlayViewData& data) const {
+    const int overflow = static_cast<int>(std::ceil(size_.height)) - onScreen_.height();
+    const auto selected = viewModel_ ? viewModel_->selectedWindow() : std::nullopt;
+    if (overflow <= 0 || !selected) {
+        return 0;
+    }
+    const auto key = std::to_string(selected->windowIdentifier);
+    const auto card = std::find_if(data.elements.begin(), data.elements.end(), [&](const auto& e) {
+        return e.part == OverlayPart::cardBackground && e.key == key;
+    });
+    if (card == data.elements.end()) {
+        return std::clamp(scroll_, 0, overflow);
+    }
+    const int top = static_cast<int>(std::floor(card->frame().minY())) - scrollMargin;
+    const int bottom = static_cast<int>(std::ceil(card->frame().maxY())) + scrollMargin;
+    int scroll = scroll_;
+    if (top < scroll) {
+        scroll = top;
+    } else if (bottom > scroll + onScreen_.height()) {
+        scroll = bottom - onScreen_.height();
+    }
+    return std::clamp(scroll, 0, overflow);
 }
 
 void QtOverlayPanel::setFrame(const Rect& frame, bool display) {
     const auto desktop = environment_.toDesktop ? environment_.toDesktop(frame) : frame;
     size_ = frame.size;
-    onScreen_ = QPoint(static_cast<int>(std::lround(desktop.origin.x)),
-                       static_cast<int>(std::lround(desktop.origin.y)));
-    surface_->setGeometry(QRect(visible_ ? onScreen_ : QPoint(offscreen, offscreen),
-                                QSize(static_cast<int>(std::ceil(desktop.size.width)),
-                                      static_cast<int>(std::ceil(desktop.size.height)))));
+    onScreen_ = QRect(static_cast<int>(std::lround(desktop.origin.x)),
+                      static_cast<int>(std::lround(desktop.origin.y)),
+                      static_cast<int>(std::ceil(desktop.size.width)),
+                      static_cast<int>(std::ceil(desktop.size.height)));
+    // Taller than the screen, the panel starts at the top of its usable area with the most
+    // recent windows; the window is no larger than the area, and its backing store neither.
+    const auto area = usableArea(onScreen_);
+    if (onScreen_.height() > area.height()) {
+        onScreen_.moveTop(area.top());
+        onScreen_.setHeight(area.height());
+    }
+    scroll_ = 0;
+    isPlaced_ = visible_;
+    surface_->setGeometry(visible_ ? onScreen_
+                                   : QRect(QPoint(offscreen, offscreen), onScreen_.size()));
+    preparePicture();
     if (display && visible_) {
         rebuild();
     }
@@ -180,44 +362,40 @@ void QtOverlayPanel::orderFrontRegardless() {
     if (composited != surface_->translucent) {
         // A compositor came or went: the panel needs the other kind of window.
         surface_ = std::make_unique<Surface>(*this, composited);
-        surface_->resize(static_cast<int>(std::ceil(size_.width)),
-                         static_cast<int>(std::ceil(size_.height)));
+        surface_->resize(onScreen_.size());
     }
     visible_ = true;
     if (!surface_->isVisible()) {
         surface_->move(offscreen, offscreen);
         surface_->show();
     }
+    preparePicture();
     // Painted while still out of sight, and only where it differs from the last gesture's
     // picture, which the panel still holds.
     pendingRebuild_.stop();
     rebuildNow();
-    place(onScreen_);
+    place(onScreen_.topLeft());
 }
 
 void QtOverlayPanel::place(QPoint position) {
+    isPlaced_ = position == onScreen_.topLeft();
     auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
     if (x11 == nullptr) {
         surface_->move(position);
         surface_->raise();
         return;
     }
-    // Moved and raised in one request, and the whole picture put up right behind it: the screen
-    // shows it without waiting for the server's Expose and a second trip through the event loop.
+    // Moved and raised in one request; the server draws the picture it holds as the window's
+    // background at once, without an Expose and a trip through the event loop.
     auto* connection = x11->connection();
     const double ratio = surface_->devicePixelRatioF();
     const std::uint32_t values[] = {
         static_cast<std::uint32_t>(static_cast<std::int32_t>(std::lround(position.x() * ratio))),
         static_cast<std::uint32_t>(static_cast<std::int32_t>(std::lround(position.y() * ratio))),
         XCB_STACK_MODE_ABOVE};
-    const auto request = xcb_configure_window(
-        connection, static_cast<xcb_window_t>(surface_->winId()),
-        XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_STACK_MODE, values);
-    surface_->answeredRequest.reset();
-    if (position == onScreen_) {
-        surface_->answeredRequest = static_cast<std::uint16_t>(request.sequence);
-        surface_->backingStore()->flush(QRegion(surface_->rect()), surface_->windowHandle());
-    }
+    xcb_configure_window(connection, static_cast<xcb_window_t>(surface_->winId()),
+                         XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_STACK_MODE,
+                         values);
     xcb_flush(connection);
 }
 

@@ -1,8 +1,10 @@
 // The overlay's panel on the desktop: an override-redirect window that never takes the focus,
 // painted from the overlay's view data. It follows the view model while it is on screen and
-// repaints only what changed; it has real transparency when a compositor runs and is a square,
-// solid panel when none does. Between gestures it stays mapped far outside the screen, so that
-// showing it is a move, not a map.
+// repaints only what changed. On X11 its picture lives on the server as the window's background,
+// so that showing it sends nothing but the cards that changed. It has real transparency when a
+// compositor runs and is a square, solid panel when none does. Between gestures it stays mapped far
+// outside the screen, so that showing it is a move, not a map. A panel taller than the screen's
+// usable area is cut to it, top first, and scrolls to keep the selected card in sight.
 #pragma once
 
 #include <QTimer>
@@ -56,8 +58,15 @@ class QtOverlayPanel final : public OverlayPanelPort {
     void rebuild();
     void rebuildNow();
     void rehearse();
+    // A picture of the window's size, kept on the server where there is one.
+    void preparePicture();
+    // Paints that region of the window (logical pixels) from the data, and sends it.
+    void draw(const QRegion& region);
     // Moves the panel's window there, above all others; on the screen its picture goes up with it.
     void place(QPoint position);
+    // The panel's line at the window's top that keeps the selected card in sight: the one shown
+    // now when it does.
+    int scrollFor(const OverlayViewData& data) const;
 
     Environment environment_;
     QtOverlayRenderer renderer_;
@@ -65,8 +74,13 @@ class QtOverlayPanel final : public OverlayPanelPort {
     std::shared_ptr<SwitcherOverlayViewModel> viewModel_;
     std::shared_ptr<const OverlayViewBuilder> builder_;
     std::vector<std::function<void()>> unsubscribers_;
+    // The panel's size, as the logic gave it; the window is `onScreen_`, the panel's part from
+    // `scroll_` down.
     Size size_;
-    QPoint onScreen_;
+    QRect onScreen_;
+    int scroll_ = 0;
+    // Whether the window stands at `onScreen_` now.
+    bool isPlaced_ = false;
     bool visible_ = false;
     QTimer pendingRebuild_;
 };
