@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Builds Orvane optimised and measures it on a desktop of its own under Xvfb, side by side with a
-# minimal program on the same key: key press to overlay painted at 6 and 30 windows, Tab to
-# repaint, release to the chosen window active, and idle CPU over 30 seconds. Takes about three
-# minutes; run it on an otherwise quiet machine.
+# Builds Orvane optimised and measures it on a desktop of its own under Xvfb, side by side with
+# minimal programs on the same key: key press to overlay painted at 6, 30 and 150 windows, Tab to
+# repaint, release to the chosen window active, memory over 1,000 gestures, and idle CPU over 30
+# seconds. Takes about eight minutes; run it on an otherwise quiet machine.
 #   bash scripts/bench-desktop.sh [TRIALS] [launcher]   (launcher: only the launcher keystroke)
 set -euo pipefail
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"

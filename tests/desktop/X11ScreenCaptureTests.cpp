@@ -51,6 +51,23 @@ TEST(X11ScreenCaptureTests, CapturesScaledContentsAndSurvivesAWindowThatWent) {
     // Below the frame's title bar the window is its own colour, scaled.
     EXPECT_EQ(pixels->pixels[45 * 90 + 45], 0xFF118877u);
 
+    // Nothing drawn since: the same capture. Drawn on: a new one, of what is there now.
+    EXPECT_EQ(take()->identifier, image->identifier);
+    auto* c = session.connection();
+    const xcb_gcontext_t pen = xcb_generate_id(c);
+    const std::uint32_t red = 0xdd2222;
+    xcb_create_gc(c, pen, client.window, XCB_GC_FOREGROUND, &red);
+    const xcb_rectangle_t whole{0, 0, 2000, 2000};
+    xcb_poly_fill_rectangle(c, client.window, pen, 1, &whole);
+    session.sync();
+    std::optional<ImageHandle> redrawn;
+    DesktopSession::waitFor([&] {
+        redrawn = take();
+        return redrawn && redrawn->identifier != image->identifier;
+    });
+    ASSERT_TRUE(redrawn && redrawn->identifier != image->identifier);
+    EXPECT_EQ(capture->thumbnail(redrawn->identifier)->pixels[45 * 90 + 45], 0xFFdd2222u);
+
     // Gone from the server before the model hears of it: the capture answers nothing.
     session.stopClient(client);
     EXPECT_EQ(take(), std::nullopt);
@@ -58,7 +75,7 @@ TEST(X11ScreenCaptureTests, CapturesScaledContentsAndSurvivesAWindowThatWent) {
                 ::testing::Contains(::testing::HasSubstr("is gone")));
     connection->dispatchPendingEvents();
     EXPECT_EQ(take(), std::nullopt);
-    EXPECT_EQ(capture->thumbnail(image->identifier), nullptr) << "forgotten with its window";
+    EXPECT_EQ(capture->thumbnail(redrawn->identifier), nullptr) << "forgotten with its window";
 }
 
 }  // namespace

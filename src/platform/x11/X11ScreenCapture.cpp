@@ -1,6 +1,7 @@
 #include "platform/x11/X11ScreenCapture.h"
 
 #include <xcb/composite.h>
+#include <xcb/damage.h>
 
 #include <algorithm>
 #include <cmath>
@@ -79,6 +80,12 @@ X11ScreenCapture::X11ScreenCapture(X11Connection& connection, X11WindowModel& mo
         log().info("window previews are off: the Composite extension cannot name window pixmaps");
         return;
     }
+    const auto* damage = xcb_get_extension_data(c, &xcb_damage_id);
+    if (damage != nullptr && damage->present != 0) {
+        std::free(xcb_damage_query_version_reply(c, xcb_damage_query_version(c, 1, 1), nullptr));
+        damageEvent_ = damage->first_event + XCB_DAMAGE_NOTIFY;
+        connection_.addListener([this](const xcb_generic_event_t& event) { handleEvent(event); });
+    }
     for (auto window : model_.stackingFrontToBack()) {
         redirect(window);
     }
@@ -87,7 +94,11 @@ X11ScreenCapture::X11ScreenCapture(X11Connection& connection, X11WindowModel& mo
             if (kind == X11WindowModel::ChangeKind::added) {
                 redirect(window.window);
             } else if (kind == X11WindowModel::ChangeKind::removed) {
-                frames_.erase(window.window);
+                if (const auto frame = frames_.find(window.window); frame != frames_.end()) {
+                    damages_.erase(frame->second);
+                    drawnOn_.erase(frame->second);
+                    frames_.erase(frame);
+                }
                 thumbnails_.erase(window.window);
             }
         });
@@ -139,6 +150,9 @@ const X11ScreenCapture::Thumbnail* X11ScreenCapture::thumbnail(std::uint64_t ide
 
 std::optional<ImageHandle> X11ScreenCapture::capture(WindowIdentifier identifier, int width,
                                                      int height) {
+    // What the server has told already (drawing, a window gone) decides whether the last
+    // capture still holds.
+    connection_.dispatchPendingEvents();
     const auto* client = model_.windowOf(identifier);
     if (client == nullptr) {
         log().debug("no preview of window %{public}u: it is gone", identifier);
@@ -153,6 +167,21 @@ std::optional<ImageHandle> X11ScreenCapture::capture(WindowIdentifier identifier
         return std::nullopt;
     }
     auto* c = connection_.connection();
+    if (const auto damage = damages_.find(*frame); damage != damages_.end()) {
+        const auto last = thumbnails_.find(window);
+        if (last != thumbnails_.end() && !drawnOn_.contains(*frame) &&
+            last->second.width == width && last->second.height == height) {
+            return ImageHandle{last->second.identifier,
+                               double(width),
+                               double(height),
+                               "preview of " + client->title,
+                               0,
+                               0};
+        }
+        // Whatever is drawn from here on is newer than this capture.
+        drawnOn_.erase(*frame);
+        xcb_damage_subtract(c, damage->second, XCB_NONE, XCB_NONE);
+    }
     const xcb_pixmap_t contents = xcb_generate_id(c);
     auto geometryCookie = xcb_get_geometry(c, *frame);
     auto attributesCookie = xcb_get_window_attributes(c, *frame);
@@ -171,6 +200,7 @@ std::optional<ImageHandle> X11ScreenCapture::capture(WindowIdentifier identifier
     if (!named) {
         // The frame may have gone with its window, or another window manager framed it anew.
         frames_.erase(window);
+        damages_.erase(*frame);
         if (nameError == nullptr) {
             xcb_free_pixmap(c, contents);
         }
@@ -253,8 +283,20 @@ void X11ScreenCapture::redirect(xcb_window_t window) {
     // Automatic: the server keeps drawing the screen itself, and the frame keeps its contents even
     // while covered. A compositing manager's own redirection stays as it is.
     if (const auto frame = frameOf(window)) {
-        xcb_composite_redirect_window(connection_.connection(), *frame,
-                                      XCB_COMPOSITE_REDIRECT_AUTOMATIC);
+        auto* c = connection_.connection();
+        xcb_composite_redirect_window(c, *frame, XCB_COMPOSITE_REDIRECT_AUTOMATIC);
+        if (damageEvent_ != 0 && !damages_.contains(*frame)) {
+            // Told once when the frame is first drawn on after each capture; gone with the frame.
+            const auto damage = xcb_generate_id(c);
+            xcb_damage_create(c, damage, *frame, XCB_DAMAGE_REPORT_LEVEL_NON_EMPTY);
+            damages_[*frame] = damage;
+        }
+    }
+}
+
+void X11ScreenCapture::handleEvent(const xcb_generic_event_t& event) {
+    if ((event.response_type & 0x7f) == damageEvent_) {
+        drawnOn_.insert(reinterpret_cast<const xcb_damage_notify_event_t&>(event).drawable);
     }
 }
 

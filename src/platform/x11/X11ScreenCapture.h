@@ -1,7 +1,9 @@
 // Window contents for previews through the Composite extension: each window manager frame is
 // redirected (automatically, so the server still draws the screen) as it appears, and a capture
 // names the frame's pixmap and has the server scale it with XRender to the size asked for. Without
-// Composite and Render, access is not granted and every capture answers nothing. Main thread only.
+// Composite and Render, access is not granted and every capture answers nothing. A window the
+// Damage extension says was not drawn on since its last capture answers that capture again, same
+// identifier and all, so that nothing downstream scales or paints it anew. Main thread only.
 #pragma once
 
 #include <xcb/render.h>
@@ -11,6 +13,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <vector>
 
 #include "platform/RunLoopPort.h"
@@ -53,6 +56,7 @@ class X11ScreenCapture final : public ScreenCapturePort,
     std::optional<xcb_window_t> frameOf(xcb_window_t window);
     void redirect(xcb_window_t window);
     std::optional<xcb_render_pictformat_t> formatOfVisual(xcb_visualid_t visual) const;
+    void handleEvent(const xcb_generic_event_t& event);
 
     X11Connection& connection_;
     X11WindowModel& model_;
@@ -63,6 +67,10 @@ class X11ScreenCapture final : public ScreenCapturePort,
     std::map<xcb_visualid_t, xcb_render_pictformat_t> visualFormats_;
     std::map<xcb_window_t, xcb_window_t> frames_;
     std::map<xcb_window_t, Thumbnail> thumbnails_;
+    // Each frame's damage object, and the frames drawn on since their window's last capture.
+    std::map<xcb_window_t, std::uint32_t> damages_;
+    std::set<xcb_window_t> drawnOn_;
+    std::uint8_t damageEvent_ = 0;
     std::uint64_t lastIdentifier_ = 0;
 };
 

@@ -1,5 +1,8 @@
 #include "ui/qt/QtOverlayPanel.h"
 
+#include <sys/ipc.h>
+#include <sys/shm.h>
+#include <xcb/shm.h>
 #include <xcb/xcb.h>
 
 #include <QGuiApplication>
@@ -11,6 +14,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -57,14 +61,28 @@ class QtOverlayPanel::Surface final : public QWidget {
 
     const bool translucent;
     OverlayViewData data;
-    // The panel's picture as the window shows it, in device pixels.
+    // The panel's picture as the window shows it, in device pixels; in memory shared with the
+    // X server where it can be.
     QImage picture;
 
-    // On X11 the picture lives on the server too, as the window's background: the server draws
-    // it whenever the window comes on screen, and only changed lines are ever sent.
-    void keepOnServer(xcb_connection_t* connection) {
+    // A blank picture of that many device pixels. On X11 the picture lives on the server too, as
+    // the window's background: the server draws it whenever the window comes on screen, and only
+    // the rectangles that changed are ever sent.
+    void preparePicture(QSize pixels, double ratio, xcb_connection_t* connection) {
         releasePicture();
+        const auto format =
+            translucent ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32;
         connection_ = connection;
+        if (connection_ != nullptr && shareMemory(pixels)) {
+            picture = QImage(memory_, pixels.width(), pixels.height(), pixels.width() * 4, format);
+        } else {
+            picture = QImage(pixels, format);
+        }
+        picture.setDevicePixelRatio(ratio);
+        picture.fill(Qt::transparent);
+        if (connection_ == nullptr) {
+            return;
+        }
         const auto window = static_cast<xcb_window_t>(winId());
         auto* geometry =
             xcb_get_geometry_reply(connection_, xcb_get_geometry(connection_, window), nullptr);
@@ -75,39 +93,49 @@ class QtOverlayPanel::Surface final : public QWidget {
         std::free(geometry);
         pixmap_ = xcb_generate_id(connection_);
         xcb_create_pixmap(connection_, depth_, pixmap_, window,
-                          static_cast<std::uint16_t>(picture.width()),
-                          static_cast<std::uint16_t>(picture.height()));
+                          static_cast<std::uint16_t>(pixels.width()),
+                          static_cast<std::uint16_t>(pixels.height()));
         context_ = xcb_generate_id(connection_);
         xcb_create_gc(connection_, context_, pixmap_, 0, nullptr);
         xcb_change_window_attributes(connection_, window, XCB_CW_BACK_PIXMAP, &pixmap_);
     }
     bool isOnServer() const { return pixmap_ != 0; }
 
-    // Sends these lines of the picture to the server; with `show`, the window draws them now.
-    void send(std::vector<std::pair<int, int>> lines, bool show) {
+    // Before the picture is painted on: the server has read what was last sent from it.
+    void waitUntilSent() {
+        if (pendingSend_) {
+            // Answered long ago as a rule, so this reads a reply already there.
+            std::free(xcb_get_input_focus_reply(connection_, *pendingSend_, nullptr));
+            pendingSend_.reset();
+        }
+    }
+
+    // Sends these rectangles of the picture (device pixels) to the server; with `show`, the
+    // window draws them now.
+    void send(const std::vector<QRect>& rectangles, bool show) {
         if (!isOnServer()) {
             return;
         }
-        // One request carries at most the server's maximum of bytes.
-        const auto rowBytes = static_cast<std::size_t>(picture.bytesPerLine());
-        const auto maximumRows = std::max<std::size_t>(
-            1, (std::size_t{xcb_get_maximum_request_length(connection_)} * 4 - 64) / rowBytes);
-        for (auto [top, bottom] : lines) {
-            for (int row = top; row < bottom;) {
-                const int rows = std::min(bottom - row, static_cast<int>(maximumRows));
-                xcb_put_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap_, context_,
-                              static_cast<std::uint16_t>(picture.width()),
-                              static_cast<std::uint16_t>(rows), 0, static_cast<std::int16_t>(row),
-                              0, depth_, static_cast<std::uint32_t>(rowBytes * rows),
-                              picture.constScanLine(row));
-                row += rows;
+        const auto window = static_cast<xcb_window_t>(winId());
+        for (const auto& rectangle : rectangles) {
+            const auto x = static_cast<std::int16_t>(rectangle.x());
+            const auto y = static_cast<std::int16_t>(rectangle.y());
+            const auto width = static_cast<std::uint16_t>(rectangle.width());
+            const auto height = static_cast<std::uint16_t>(rectangle.height());
+            if (segment_ != 0) {
+                xcb_shm_put_image(connection_, pixmap_, context_,
+                                  static_cast<std::uint16_t>(picture.width()),
+                                  static_cast<std::uint16_t>(picture.height()), x, y, width, height,
+                                  x, y, depth_, XCB_IMAGE_FORMAT_Z_PIXMAP, 0, segment_, 0);
+            } else {
+                putLines(rectangle);
             }
             if (show) {
-                xcb_clear_area(connection_, 0, static_cast<xcb_window_t>(winId()), 0,
-                               static_cast<std::int16_t>(top),
-                               static_cast<std::uint16_t>(picture.width()),
-                               static_cast<std::uint16_t>(bottom - top));
+                xcb_clear_area(connection_, 0, window, x, y, width, height);
             }
+        }
+        if (segment_ != 0) {
+            pendingSend_ = xcb_get_input_focus(connection_);
         }
     }
 
@@ -138,11 +166,70 @@ class QtOverlayPanel::Surface final : public QWidget {
     }
 
   private:
+    bool shareMemory(QSize pixels) {
+        const auto* extension = xcb_get_extension_data(connection_, &xcb_shm_id);
+        if (extension == nullptr || !extension->present) {
+            return false;
+        }
+        const auto bytes = static_cast<std::size_t>(pixels.width()) * pixels.height() * 4;
+        const int identifier = ::shmget(IPC_PRIVATE, bytes, IPC_CREAT | 0600);
+        if (identifier < 0) {
+            return false;
+        }
+        void* memory = ::shmat(identifier, nullptr, 0);
+        segment_ = xcb_generate_id(connection_);
+        auto* error = memory == reinterpret_cast<void*>(-1)
+                          ? nullptr
+                          : xcb_request_check(
+                                connection_,
+                                xcb_shm_attach_checked(connection_, segment_,
+                                                       static_cast<std::uint32_t>(identifier), 0));
+        // Gone with the last detach, whatever happens to either side.
+        ::shmctl(identifier, IPC_RMID, nullptr);
+        if (memory == reinterpret_cast<void*>(-1) || error != nullptr) {
+            std::free(error);
+            if (memory != reinterpret_cast<void*>(-1)) {
+                ::shmdt(memory);
+            }
+            segment_ = 0;
+            return false;
+        }
+        memory_ = static_cast<uchar*>(memory);
+        return true;
+    }
+
+    // Without shared memory: whole lines, as many to a request as the server takes.
+    void putLines(const QRect& rectangle) {
+        const auto rowBytes = static_cast<std::size_t>(picture.bytesPerLine());
+        const auto maximumRows = std::max<std::size_t>(
+            1, (std::size_t{xcb_get_maximum_request_length(connection_)} * 4 - 64) / rowBytes);
+        for (int row = rectangle.top(); row <= rectangle.bottom();) {
+            const int rows = std::min(rectangle.bottom() + 1 - row, static_cast<int>(maximumRows));
+            xcb_put_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap_, context_,
+                          static_cast<std::uint16_t>(picture.width()),
+                          static_cast<std::uint16_t>(rows), 0, static_cast<std::int16_t>(row), 0,
+                          depth_, static_cast<std::uint32_t>(rowBytes * rows),
+                          picture.constScanLine(row));
+            row += rows;
+        }
+    }
+
     void releasePicture() {
+        waitUntilSent();
+        picture = QImage();
         if (pixmap_ != 0) {
             xcb_free_gc(connection_, context_);
             xcb_free_pixmap(connection_, pixmap_);
             pixmap_ = 0;
+        }
+        if (segment_ != 0) {
+            xcb_shm_detach(connection_, segment_);
+            // The server must let go before the memory goes.
+            std::free(
+                xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
+            ::shmdt(memory_);
+            segment_ = 0;
+            memory_ = nullptr;
         }
     }
 
@@ -151,6 +238,9 @@ class QtOverlayPanel::Surface final : public QWidget {
     xcb_pixmap_t pixmap_ = 0;
     xcb_gcontext_t context_ = 0;
     std::uint8_t depth_ = 0;
+    xcb_shm_seg_t segment_ = 0;
+    uchar* memory_ = nullptr;
+    std::optional<xcb_get_input_focus_cookie_t> pendingSend_;
 };
 
 QtOverlayPanel::QtOverlayPanel(Environment environment, QtOverlayRenderer renderer)
@@ -244,22 +334,16 @@ void QtOverlayPanel::rebuildNow() {
 
 void QtOverlayPanel::preparePicture() {
     const double ratio = surface_->devicePixelRatioF();
-    const QSize pixels(static_cast<int>(std::ceil(onScreen_.width() * ratio)),
-                       static_cast<int>(std::ceil(onScreen_.height() * ratio)));
-    auto& picture = surface_->picture;
-    if (picture.size() == pixels && !picture.isNull()) {
+    const QSize pixels = QSize(static_cast<int>(std::ceil(onScreen_.width() * ratio)),
+                               static_cast<int>(std::ceil(onScreen_.height() * ratio)))
+                             .expandedTo(QSize(1, 1));
+    if (surface_->picture.size() == pixels) {
         return;
     }
-    picture =
-        QImage(pixels.expandedTo(QSize(1, 1)),
-               surface_->translucent ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32);
-    picture.setDevicePixelRatio(ratio);
-    picture.fill(Qt::transparent);
+    auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    surface_->preparePicture(pixels, ratio, x11 != nullptr ? x11->connection() : nullptr);
     // Nothing of the last picture is left to compare with: the next one is drawn whole.
     surface_->data = {};
-    if (auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>()) {
-        surface_->keepOnServer(x11->connection());
-    }
 }
 
 void QtOverlayPanel::draw(const QRegion& region) {
@@ -267,6 +351,7 @@ void QtOverlayPanel::draw(const QRegion& region) {
         return;
     }
     auto& picture = surface_->picture;
+    surface_->waitUntilSent();
     {
         QPainter painter(&picture);
         if (surface_->translucent) {
@@ -286,24 +371,17 @@ void QtOverlayPanel::draw(const QRegion& region) {
         surface_->repaint(region);
         return;
     }
-    // Whole lines of device pixels, merged where they meet.
     const double ratio = picture.devicePixelRatio();
-    std::vector<std::pair<int, int>> lines;
+    std::vector<QRect> rectangles;
     for (const QRect& rect : region) {
-        lines.emplace_back(
-            std::max(0, static_cast<int>(std::floor(rect.top() * ratio))),
-            std::min(picture.height(), static_cast<int>(std::ceil((rect.bottom() + 1) * ratio))));
+        rectangles.push_back(
+            QRect(QPoint(static_cast<int>(std::floor(rect.left() * ratio)),
+                         static_cast<int>(std::floor(rect.top() * ratio))),
+                  QPoint(static_cast<int>(std::ceil((rect.right() + 1) * ratio)) - 1,
+                         static_cast<int>(std::ceil((rect.bottom() + 1) * ratio)) - 1))
+                .intersected(picture.rect()));
     }
-    std::sort(lines.begin(), lines.end());
-    std::vector<std::pair<int, int>> merged;
-    for (const auto& line : lines) {
-        if (!merged.empty() && line.first <= merged.back().second) {
-            merged.back().second = std::max(merged.back().second, line.second);
-        } else {
-            merged.push_back(line);
-        }
-    }
-    surface_->send(std::move(merged), isPlaced_);
+    surface_->send(rectangles, isPlaced_);
     if (onPainted) {
         onPainted();
     }

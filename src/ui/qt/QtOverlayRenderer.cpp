@@ -4,7 +4,9 @@
 #include <QIcon>
 #include <QPainterPath>
 #include <cmath>
+#include <map>
 #include <set>
+#include <string_view>
 
 #include "ui/qt/QtOverlayStyle.h"
 
@@ -86,15 +88,38 @@ QRegion QtOverlayRenderer::changedRegion(const OverlayViewData& before,
                                          const OverlayViewData& after) {
     const QRect whole(0, 0, static_cast<int>(std::ceil(after.panelSize.width)),
                       static_cast<int>(std::ceil(after.panelSize.height)));
-    if (!(before.panelSize == after.panelSize) || before.elements.size() != after.elements.size()) {
+    if (!(before.panelSize == after.panelSize)) {
         return whole;
     }
+    // Card by card (a card's elements share its key): a card that gains its preview, moves or
+    // goes changes its own place and nothing else.
+    std::map<std::string_view,
+             std::pair<std::vector<const OverlayElement*>, std::vector<const OverlayElement*>>>
+        byKey;
+    for (const auto& element : before.elements) {
+        byKey[element.key].first.push_back(&element);
+    }
+    for (const auto& element : after.elements) {
+        byKey[element.key].second.push_back(&element);
+    }
     QRegion region;
-    for (std::size_t index = 0; index < after.elements.size(); ++index) {
-        if (!looksAlike(before.elements[index], after.elements[index])) {
-            // A stroke or a shadow may reach a little past the frame.
-            region += qrect(before.elements[index].frame()).toAlignedRect().adjusted(-3, -3, 3, 3);
-            region += qrect(after.elements[index].frame()).toAlignedRect().adjusted(-3, -3, 3, 3);
+    for (const auto& [key, elements] : byKey) {
+        const auto& [was, is] = elements;
+        const bool alike =
+            was.size() == is.size() &&
+            std::equal(was.begin(), was.end(), is.begin(),
+                       [](const auto* one, const auto* other) { return looksAlike(*one, *other); });
+        if (alike) {
+            continue;
+        }
+        if (key.empty() && was.size() != is.size()) {
+            return whole;
+        }
+        // A stroke or a shadow may reach a little past the frame.
+        for (const auto* side : {&was, &is}) {
+            for (const auto* element : *side) {
+                region += qrect(element->frame()).toAlignedRect().adjusted(-3, -3, 3, 3);
+            }
         }
     }
     return region;
@@ -120,15 +145,24 @@ void QtOverlayRenderer::paint(QPainter& painter, const OverlayViewData& data, bo
 }
 
 void QtOverlayRenderer::forgetImagesNotIn(const OverlayViewData& data) const {
-    // Previews get a new identifier at every capture: only what this view shows is worth keeping.
+    // Previews get a new identifier whenever their window changed: only what the last two views
+    // show is worth keeping. Two, because a gesture starts with icons and its previews follow, the
+    // same ones as last time when their windows stayed as they were.
     std::set<std::uint64_t> shown;
     for (const auto& element : data.elements) {
         if (const auto* image = std::get_if<OverlayImage>(&element.content)) {
             shown.insert(image->image.identifier);
         }
     }
-    std::erase_if(
-        scaled_, [&shown](const auto& entry) { return !shown.contains(std::get<0>(entry.first)); });
+    if (shown == shownLast_) {
+        return;
+    }
+    shownBefore_ = std::move(shownLast_);
+    shownLast_ = std::move(shown);
+    std::erase_if(scaled_, [this](const auto& entry) {
+        const auto identifier = std::get<0>(entry.first);
+        return !shownLast_.contains(identifier) && !shownBefore_.contains(identifier);
+    });
 }
 
 void QtOverlayRenderer::paintElements(QPainter& painter, const OverlayViewData& data, bool opaque,
@@ -139,8 +173,6 @@ void QtOverlayRenderer::paintElements(QPainter& painter, const OverlayViewData& 
             !only->intersects(qrect(element.frame()).toAlignedRect().adjusted(-3, -3, 3, 3))) {
             continue;
         }
-        timespec t0;
-        clock_gettime(CLOCK_MONOTONIC, &t0);
         std::visit(
             [&](const auto& drawn) {
                 using Drawn = std::decay_t<decltype(drawn)>;
@@ -155,8 +187,6 @@ void QtOverlayRenderer::paintElements(QPainter& painter, const OverlayViewData& 
                 }
             },
             element.content);
-        timespec t1;
-        clock_gettime(CLOCK_MONOTONIC, &t1);
     }
 }
 

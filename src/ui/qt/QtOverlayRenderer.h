@@ -9,6 +9,7 @@
 #include <QStaticText>
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
 #include <tuple>
 
@@ -29,11 +30,11 @@ class QtOverlayRenderer {
     void paint(QPainter& painter, const OverlayViewData& data, bool opaque,
                const QRegion* only = nullptr) const;
 
-    // Where two builds differ, element by element; the whole panel when the element lists or the
-    // panel size differ in shape.
+    // Where two builds differ, card by card and element by element; the whole panel when the
+    // panel's size or its own elements (those of no card) differ in number.
     static QRegion changedRegion(const OverlayViewData& before, const OverlayViewData& after);
 
-    // How many scaled images are kept: never more than the view painted last shows.
+    // How many scaled images are kept: never more than the last two views painted show.
     std::size_t scaledImageCount() const { return scaled_.size(); }
 
   private:
@@ -49,6 +50,8 @@ class QtOverlayRenderer {
     ImageResolver images_;
     using ScaledKey = std::tuple<std::uint64_t, int, int, double>;
     mutable std::map<ScaledKey, QImage> scaled_;
+    // The images of the view painted last and of the one before it.
+    mutable std::set<std::uint64_t> shownLast_, shownBefore_;
     // A shape's pixels by kind, position within its pixel, size, corners, scale, material, fill
     // and stroke.
     using PaintKey = std::tuple<int, double>;
