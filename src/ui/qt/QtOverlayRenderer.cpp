@@ -206,6 +206,15 @@ void QtOverlayRenderer::paintShape(QPainter& painter, const OverlayElement& elem
     if (pixels.isEmpty()) {
         return;
     }
+    // An unselected card's background and border are clear: blending their images would change
+    // no pixel.
+    const auto isClear = [](const std::optional<OverlayPaint>& paint) {
+        return !paint || QtOverlayStyle::color(paint->color, paint->opacity).alpha() == 0;
+    };
+    if (!shape.material && isClear(shape.fill) &&
+        isClear(shape.stroke ? std::optional(shape.stroke->paint) : std::nullopt)) {
+        return;
+    }
     const auto kind = squarePanel ? OverlayShapeKind::rectangle : shape.kind;
     if (kind == OverlayShapeKind::rectangle) {
         // Straight fills: the image of a whole panel would blend far more than the clip shows.
