@@ -120,7 +120,8 @@ TEST_F(DesktopEndToEndTest, AltTabBringsThePreviousWindowForwardInRecencyOrder) 
 
 // Tab, Shift-Tab and the arrows move the selection on the overlay, which never takes the focus;
 // Escape leaves the focus where it was. The overlay's pixels show the panel, the selection, a
-// preview of each window's contents, and the icon of the minimized one, which has none.
+// preview of each window's contents, and the icon of the minimized one, which has none; a window
+// minimized after it was seen keeps its preview.
 TEST_F(DesktopEndToEndTest, TheOverlayShowsPreviewsAndEscapeLeavesTheFocusAlone) {
     // An application of its own, so that its icon is its window's.
     auto& red = start("Red", 0xdd2222, false, "Red");
@@ -175,6 +176,28 @@ TEST_F(DesktopEndToEndTest, TheOverlayShowsPreviewsAndEscapeLeavesTheFocusAlone)
     EXPECT_TRUE(DesktopSession::waitFor([&] { return !session->overlayWindow(); }));
     session->release("Alt_L");
     EXPECT_TRUE(becomesActive(blue.window));
+
+    // Minimized once it has been seen, a window keeps its last preview, dimmed, long after the
+    // previews the switcher remembers itself (3 s) are gone.
+    session->minimize(*session->windowTitled("Green"));
+    std::this_thread::sleep_for(std::chrono::milliseconds(3100));
+    session->press("Alt_L");
+    session->tap("Tab");
+    const auto dimmedGreen = [&] {
+        return std::count_if(capture.pixels.begin(), capture.pixels.end(), [](auto pixel) {
+            const auto red = pixel >> 16, green = (pixel >> 8) & 0xff, blue = pixel & 0xff;
+            return green > 0x60 && green > red + 0x40 && green > blue + 0x40;
+        });
+    };
+    EXPECT_TRUE(DesktopSession::waitFor([&] {
+        const auto shown = session->overlayWindow();
+        capture = shown ? session->capture(*shown, session->folder() / "minimized.png")
+                        : DesktopSession::Capture{};
+        return dimmedGreen() > 5000;
+    })) << dimmedGreen();
+    EXPECT_EQ(count(0x22dd22), 0) << "dimmed, as a minimized window's card is";
+    session->tap("Escape");
+    session->release("Alt_L");
 }
 
 // Alt-Space twice searches the installed applications; keys type through the user's layout (here

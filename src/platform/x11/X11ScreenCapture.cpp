@@ -157,10 +157,14 @@ std::optional<ImageHandle> X11ScreenCapture::capture(WindowIdentifier identifier
     if (client == nullptr) {
         log().debug("no preview of window %{public}u: it is gone", identifier);
     }
-    if (!available_ || width <= 0 || height <= 0 || client == nullptr || client->isHidden) {
+    if (!available_ || width <= 0 || height <= 0 || client == nullptr) {
         return std::nullopt;
     }
     const auto window = client->window;
+    if (client->isHidden) {
+        // Minimized: nothing to capture now, but the window looked like its last capture.
+        return lastCapture(*client);
+    }
     const auto frame = frameOf(window);
     if (!frame) {
         log().debug("no preview of window 0x%{public}x: it is gone", window);
@@ -190,20 +194,26 @@ std::optional<ImageHandle> X11ScreenCapture::capture(WindowIdentifier identifier
     auto* attributes = xcb_get_window_attributes_reply(c, attributesCookie, nullptr);
     auto* nameError = xcb_request_check(c, nameCookie);
     const auto format = attributes ? formatOfVisual(attributes->visual) : std::nullopt;
+    const bool isUnmapped =
+        attributes != nullptr && attributes->map_state != XCB_MAP_STATE_VIEWABLE;
     const bool named = geometry != nullptr && attributes != nullptr && nameError == nullptr &&
-                       attributes->map_state == XCB_MAP_STATE_VIEWABLE && format.has_value();
+                       !isUnmapped && format.has_value();
     const int sourceWidth = geometry ? geometry->width + 2 * geometry->border_width : 0;
     const int sourceHeight = geometry ? geometry->height + 2 * geometry->border_width : 0;
     std::free(geometry);
     std::free(attributes);
     std::free(nameError);
     if (!named) {
-        // The frame may have gone with its window, or another window manager framed it anew.
-        frames_.erase(window);
-        damages_.erase(*frame);
         if (nameError == nullptr) {
             xcb_free_pixmap(c, contents);
         }
+        if (isUnmapped) {
+            // On another desktop: shown as it was when last seen.
+            return lastCapture(*client);
+        }
+        // The frame may have gone with its window, or another window manager framed it anew.
+        frames_.erase(window);
+        damages_.erase(*frame);
         log().debug("no preview of window 0x%{public}x: it is gone or not drawn", window);
         return std::nullopt;
     }
@@ -253,6 +263,22 @@ std::optional<ImageHandle> X11ScreenCapture::capture(WindowIdentifier identifier
         thumbnail.identifier, double(width), double(height), "preview of " + client->title, 0, 0};
     thumbnails_.insert_or_assign(window, std::move(thumbnail));
     return handle;
+}
+
+std::optional<ImageHandle> X11ScreenCapture::lastCapture(
+    const X11WindowModel::ClientWindow& client) const {
+    const auto last = thumbnails_.find(client.window);
+    if (last == thumbnails_.end()) {
+        log().debug("no preview of window 0x%{public}x: it can't be captured now, and never was",
+                    client.window);
+        return std::nullopt;
+    }
+    return ImageHandle{last->second.identifier,
+                       double(last->second.width),
+                       double(last->second.height),
+                       "preview of " + client.title,
+                       0,
+                       0};
 }
 
 std::optional<xcb_window_t> X11ScreenCapture::frameOf(xcb_window_t window) {

@@ -3,7 +3,9 @@
 // names the frame's pixmap and has the server scale it with XRender to the size asked for. Without
 // Composite and Render, access is not granted and every capture answers nothing. A window the
 // Damage extension says was not drawn on since its last capture answers that capture again, same
-// identifier and all, so that nothing downstream scales or paints it anew. Main thread only.
+// identifier and all, so that nothing downstream scales or paints it anew; so does a window that
+// can't be captured now (minimized, or on another desktop), when it was ever captured. Main thread
+// only.
 #pragma once
 
 #include <xcb/render.h>
@@ -52,6 +54,7 @@ class X11ScreenCapture final : public ScreenCapturePort,
 
   private:
     std::optional<ImageHandle> capture(WindowIdentifier identifier, int width, int height);
+    std::optional<ImageHandle> lastCapture(const X11WindowModel::ClientWindow& client) const;
     // The window manager's frame around a client: its top-level ancestor.
     std::optional<xcb_window_t> frameOf(xcb_window_t window);
     void redirect(xcb_window_t window);

@@ -137,6 +137,10 @@ class QtOverlayPanel::Surface final : public QWidget {
         if (segment_ != 0) {
             pendingSend_ = xcb_get_input_focus(connection_);
         }
+        // Qt sends its own requests when it draws; these would wait for its next drawing.
+        if (show) {
+            xcb_flush(connection_);
+        }
     }
 
   protected:
