@@ -3,6 +3,7 @@
 #include <string>
 
 #include "app/ProductSettings.h"
+#include "platform/simulated/SimulatedKeyboardEvent.h"
 
 namespace orvane::simulator {
 
@@ -123,6 +124,15 @@ void SimulatedMachine::setPermission(PermissionCapability capability, bool grant
     }
     screenCapture->screenCaptureAccessGranted = granted;
     permissions->setScreenRecordingGranted(granted);
+}
+
+void SimulatedMachine::settle() {
+    desktop->runLoop().runUntilIdle();
+}
+
+void SimulatedMachine::key(KeyboardEventType type, EventKeyCode code, KeyboardEventFlags flags) {
+    desktop->postKeyboardEvent(type, SimulatedKeyboardEvent(code, flags, false, u""));
+    settle();
 }
 
 }  // namespace orvane::simulator

@@ -40,6 +40,11 @@ class SimulatedMachine {
     // captures and the permission answers.
     void setPermission(PermissionCapability capability, bool granted);
 
+    // Runs the desktop's run loop until nothing is left to do.
+    void settle();
+    // A key event from the keyboard, and everything it sets off.
+    void key(KeyboardEventType type, EventKeyCode code, KeyboardEventFlags flags);
+
     std::shared_ptr<SimulatedDesktop> desktop;
     std::shared_ptr<SimulatedPermissions> permissions;
     std::shared_ptr<SimulatedUserDefaults> userDefaults;

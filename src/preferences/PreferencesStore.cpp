@@ -24,24 +24,23 @@ void PreferencesStore::setPreferences(const SwitcherPreferences& preferences) {
         persist();
         return;
     }
-    changeAndPersist([&preferences](SwitcherPreferences& current) { current = preferences; });
+    changeAndPersist([&preferences](SwitcherPreferences& current) { current = preferences; },
+                     false);
 }
 
 void PreferencesStore::modifyPreferences(const std::function<void(SwitcherPreferences&)>& change) {
+    changeAndPersist(change, true);
+}
+
+void PreferencesStore::changeAndPersist(const std::function<void(SwitcherPreferences&)>& change,
+                                        bool undoWhatIsNotStored) {
     tell(willChangeObservers_);
     const auto stored = preferences_;
     change(preferences_);
-    if (!persist() && lastWriteFailure_) {
+    if (!persist() && lastWriteFailure_ && undoWhatIsNotStored) {
         // A control the user just set shows what will be there after a restart, not a wish.
         preferences_ = stored;
     }
-    tell(didChangeObservers_);
-}
-
-void PreferencesStore::changeAndPersist(const std::function<void(SwitcherPreferences&)>& change) {
-    tell(willChangeObservers_);
-    change(preferences_);
-    persist();
     tell(didChangeObservers_);
 }
 

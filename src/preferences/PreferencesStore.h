@@ -57,7 +57,9 @@ class PreferencesStore final : public PreferencesProviding {
   private:
     using Observers = std::vector<std::pair<ObservationToken, Observer>>;
 
-    void changeAndPersist(const std::function<void(SwitcherPreferences&)>& change);
+    // With `undoWhatIsNotStored`, a change the user defaults refuse is taken back.
+    void changeAndPersist(const std::function<void(SwitcherPreferences&)>& change,
+                          bool undoWhatIsNotStored);
     // Answers whether the bytes were stored (an encoding failure stores nothing, and says so).
     bool persist();
     void tell(const Observers& observers) const;

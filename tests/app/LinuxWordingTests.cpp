@@ -54,11 +54,7 @@ class LinuxWordingTest : public testing::Test {
         app->finishLaunching();
         settle();
     }
-    void settle() { machine.desktop->runLoop().runUntilIdle(); }
-    void key(KeyboardEventType type, EventKeyCode code, KeyboardEventFlags flags) {
-        machine.desktop->postKeyboardEvent(type, SimulatedKeyboardEvent(code, flags, false, u""));
-        settle();
-    }
+    void settle() { machine.settle(); }
 
     // What the windows show now: the menu, the panes, the welcome window when it is open.
     void readWindows() {
@@ -117,15 +113,15 @@ TEST_F(LinuxWordingTest, NoTextALinuxUserReadsNamesAMacOSThing) {
 
     std::vector<std::string> rawOverlays;
     std::vector<std::string> linuxOverlays;
-    key(keyboard_event_type::flagsChanged, 0, keyboard_event_flag::option);
-    key(keyboard_event_type::keyDown, 48, keyboard_event_flag::option);
+    machine.key(keyboard_event_type::flagsChanged, 0, keyboard_event_flag::option);
+    machine.key(keyboard_event_type::keyDown, 48, keyboard_event_flag::option);
     ASSERT_TRUE(app->delegate()->switcherSessionCoordinator()->isSessionActive());
     readOverlay({}, rawOverlays);
     readOverlay(Wording::linuxDesktop(), linuxOverlays);
-    key(keyboard_event_type::keyDown, 53, keyboard_event_flag::option);
-    key(keyboard_event_type::flagsChanged, 0, 0);
-    key(keyboard_event_type::flagsChanged, 0, keyboard_event_flag::option);
-    key(keyboard_event_type::keyDown, 49, keyboard_event_flag::option);
+    machine.key(keyboard_event_type::keyDown, 53, keyboard_event_flag::option);
+    machine.key(keyboard_event_type::flagsChanged, 0, 0);
+    machine.key(keyboard_event_type::flagsChanged, 0, keyboard_event_flag::option);
+    machine.key(keyboard_event_type::keyDown, 49, keyboard_event_flag::option);
     ASSERT_TRUE(app->delegate()->launcherSessionCoordinator()->isLauncherSessionActive());
     readOverlay({}, rawOverlays);
     readOverlay(Wording::linuxDesktop(), linuxOverlays);

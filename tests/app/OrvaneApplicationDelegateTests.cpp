@@ -43,14 +43,10 @@ class ApplicationLifecycleTest : public testing::Test {
         app->finishLaunching();
         settle();
     }
-    void settle() { machine.desktop->runLoop().runUntilIdle(); }
-    void key(KeyboardEventType type, EventKeyCode code, KeyboardEventFlags flags) {
-        machine.desktop->postKeyboardEvent(type, SimulatedKeyboardEvent(code, flags, false, u""));
-        settle();
-    }
+    void settle() { machine.settle(); }
     void startSession() {
-        key(keyboard_event_type::flagsChanged, 0, keyboard_event_flag::option);
-        key(keyboard_event_type::keyDown, 48, keyboard_event_flag::option);
+        machine.key(keyboard_event_type::flagsChanged, 0, keyboard_event_flag::option);
+        machine.key(keyboard_event_type::keyDown, 48, keyboard_event_flag::option);
         ASSERT_TRUE(delegate().switcherSessionCoordinator()->isSessionActive());
     }
     void becomeActive() {

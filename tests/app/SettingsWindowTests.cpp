@@ -24,7 +24,7 @@ class SettingsWindowTest : public testing::Test {
         settle();
         window = machine.application->addWindow("", window_style_mask::titled, false, true);
     }
-    void settle() { machine.desktop->runLoop().runUntilIdle(); }
+    void settle() { machine.settle(); }
     std::string title() const { return machine.application->window(window)->title; }
     void postOpenSettings(std::map<std::string, std::string> userInfo) {
         machine.applicationNotifications->postNotification(

@@ -36,7 +36,7 @@ class QtSettingsWindowTest : public ::testing::Test {
     // Settles the program and the window, then takes the window's picture.
     QImage picture() {
         for (int turn = 0; turn < 3; ++turn) {
-            machine.desktop->runLoop().runUntilIdle();
+            machine.settle();
             QApplication::processEvents();
         }
         return window->grab().toImage().convertToFormat(QImage::Format_RGB32);

@@ -30,7 +30,7 @@ class QtShellKeyboardTest : public ::testing::Test {
     }
     void settle() {
         for (int turn = 0; turn < 3; ++turn) {
-            machine.desktop->runLoop().runUntilIdle();
+            machine.settle();
             QApplication::processEvents();
         }
     }

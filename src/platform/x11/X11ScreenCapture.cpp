@@ -175,12 +175,7 @@ std::optional<ImageHandle> X11ScreenCapture::capture(WindowIdentifier identifier
         const auto last = thumbnails_.find(window);
         if (last != thumbnails_.end() && !drawnOn_.contains(*frame) &&
             last->second.width == width && last->second.height == height) {
-            return ImageHandle{last->second.identifier,
-                               double(width),
-                               double(height),
-                               "preview of " + client->title,
-                               0,
-                               0};
+            return lastCapture(*client);
         }
         // Whatever is drawn from here on is newer than this capture.
         drawnOn_.erase(*frame);
@@ -259,10 +254,8 @@ std::optional<ImageHandle> X11ScreenCapture::capture(WindowIdentifier identifier
                         std::vector<std::uint32_t>(count)};
     std::memcpy(thumbnail.pixels.data(), xcb_get_image_data(image), count * 4);
     std::free(image);
-    ImageHandle handle{
-        thumbnail.identifier, double(width), double(height), "preview of " + client->title, 0, 0};
     thumbnails_.insert_or_assign(window, std::move(thumbnail));
-    return handle;
+    return lastCapture(*client);
 }
 
 std::optional<ImageHandle> X11ScreenCapture::lastCapture(

@@ -365,10 +365,9 @@ void QtOverlayPanel::draw(const QRegion& region) {
             }
             painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
         }
-        // The window shows the panel from `scroll_` down.
+        // The window shows the panel from `scroll_` down; the renderer clips to the region.
         const auto panelRegion = region.translated(0, scroll_);
         painter.translate(0, -scroll_);
-        painter.setClipRegion(panelRegion);
         renderer_.paint(painter, surface_->data, !surface_->translucent, &panelRegion);
     }
     if (!surface_->isOnServer()) {
