@@ -57,8 +57,13 @@ void SwitcherOverlayCoordinator::cancelThumbnailTasks() {
 
 std::optional<ScreenDescription> SwitcherOverlayCoordinator::chooseScreen() const {
     // The screen under the mouse, not the one of the active window.
+    const auto screens = screens_->screens();
+    // With one screen there is nothing to choose: asking where the mouse is costs a round trip.
+    if (screens.size() == 1) {
+        return screens.front();
+    }
     const auto mouse = screens_->mouseLocation();
-    for (const auto& screen : screens_->screens()) {
+    for (const auto& screen : screens) {
         if (mouseInRect(mouse, screen.frame)) {
             return screen;
         }

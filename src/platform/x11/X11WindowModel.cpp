@@ -412,6 +412,15 @@ void X11WindowModel::readIcon(ClientWindow& client) {
     client.iconWidth = icon->width;
     client.iconHeight = icon->height;
     client.iconPixels = std::move(icon->pixels);
+    // Windows of one application mostly carry the same icon: one identity for the same pixels
+    // keeps cards unchanged when another of them comes to the front.
+    for (const auto& [window, other] : windows_) {
+        if (&other != &client && other.iconGeneration != 0 && other.iconWidth == client.iconWidth &&
+            other.iconHeight == client.iconHeight && other.iconPixels == client.iconPixels) {
+            client.iconGeneration = other.iconGeneration;
+            return;
+        }
+    }
     client.iconGeneration = ++iconGeneration_;
 }
 

@@ -48,14 +48,26 @@ RunningApplication X11Workspace::application(ProcessIdentifier process) const {
 
 void X11Workspace::absorb(RunningApplication& application,
                           const X11WindowModel::ClientWindow& window) const {
+    // The first icon read of the application's windows draws it, so that its cards keep their icon
+    // when another of its windows comes to the front.
+    if (window.iconWidth > 0 &&
+        (!application.icon || window.iconGeneration < application.icon->identifier)) {
+        application.icon = ImageHandle{window.iconGeneration,
+                                       static_cast<double>(window.iconWidth),
+                                       static_cast<double>(window.iconHeight),
+                                       "icon of " + window.applicationName,
+                                       0,
+                                       0};
+    }
     if (application.localizedName && application.icon) {
         return;
     }
     const auto* entry = entries_ != nullptr ? entries_->entryForWindowClass(window.windowInstance,
                                                                             window.windowClass)
                                             : nullptr;
-    // The front-most window that has them gives the name and the icon; a matching desktop entry
-    // names the application as the menu does, and draws it when the window has no icon of its own.
+    // The front-most window that has one gives the name; a matching desktop entry names the
+    // application as the menu does, and draws it when no window has an icon of its own. Its
+    // icon's identifier is above any window's.
     if (!application.localizedName) {
         if (entry != nullptr && !entry->name.empty()) {
             application.localizedName = entry->name;
@@ -63,17 +75,8 @@ void X11Workspace::absorb(RunningApplication& application,
             application.localizedName = window.applicationName;
         }
     }
-    if (!application.icon) {
-        if (window.iconWidth > 0) {
-            application.icon = ImageHandle{window.iconGeneration,
-                                           static_cast<double>(window.iconWidth),
-                                           static_cast<double>(window.iconHeight),
-                                           "icon of " + window.applicationName,
-                                           0,
-                                           0};
-        } else if (entry != nullptr) {
-            application.icon = entry->icon;
-        }
+    if (!application.icon && entry != nullptr) {
+        application.icon = entry->icon;
     }
 }
 

@@ -1,8 +1,5 @@
 #include "ui/qt/QtOverlayPanel.h"
 
-#include <sys/ipc.h>
-#include <sys/shm.h>
-#include <xcb/shm.h>
 #include <xcb/xcb.h>
 
 #include <QGuiApplication>
@@ -57,90 +54,58 @@ class QtOverlayPanel::Surface final : public QWidget {
         setFocusPolicy(Qt::NoFocus);
         setWindowTitle(QStringLiteral("Orvane overlay"));
     }
-    ~Surface() override { releasePicture(); }
 
     const bool translucent;
-    OverlayViewData data;
-    // The panel's picture as the window shows it, in device pixels; in memory shared with the
-    // X server where it can be.
-    QImage picture;
 
-    // A blank picture of that many device pixels. On X11 the picture lives on the server too, as
-    // the window's background: the server draws it whenever the window comes on screen, and only
-    // the rectangles that changed are ever sent.
-    void preparePicture(QSize pixels, double ratio, xcb_connection_t* connection) {
-        releasePicture();
+    // Blank pictures of that many device pixels. On X11 they live on the server too: the one
+    // shown is the window's background, which the server draws whenever the window comes on
+    // screen.
+    void preparePictures(QSize pixels, double ratio, xcb_connection_t* connection) {
         const auto format =
             translucent ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32;
         connection_ = connection;
-        if (connection_ != nullptr && shareMemory(pixels)) {
-            picture = QImage(memory_, pixels.width(), pixels.height(), pixels.width() * 4, format);
-        } else {
-            picture = QImage(pixels, format);
-        }
-        picture.setDevicePixelRatio(ratio);
-        picture.fill(Qt::transparent);
-        if (connection_ == nullptr) {
-            return;
-        }
         const auto window = static_cast<xcb_window_t>(winId());
-        auto* geometry =
-            xcb_get_geometry_reply(connection_, xcb_get_geometry(connection_, window), nullptr);
-        if (geometry == nullptr) {
-            return;
-        }
-        depth_ = geometry->depth;
-        std::free(geometry);
-        pixmap_ = xcb_generate_id(connection_);
-        xcb_create_pixmap(connection_, depth_, pixmap_, window,
-                          static_cast<std::uint16_t>(pixels.width()),
-                          static_cast<std::uint16_t>(pixels.height()));
-        context_ = xcb_generate_id(connection_);
-        xcb_create_gc(connection_, context_, pixmap_, 0, nullptr);
-        xcb_change_window_attributes(connection_, window, XCB_CW_BACK_PIXMAP, &pixmap_);
+        current_.prepare(pixels, ratio, format, connection, window);
+        opening_.prepare(pixels, ratio, format, connection, window);
+        shown_ = &current_;
+        display(current_);
     }
-    bool isOnServer() const { return pixmap_ != 0; }
+    QSize pictureSize() const { return current_.size(); }
+    bool isOnServer() const { return current_.isOnServer(); }
 
-    // Before the picture is painted on: the server has read what was last sent from it.
-    void waitUntilSent() {
-        if (pendingSend_) {
-            // Answered long ago as a rule, so this reads a reply already there.
-            std::free(xcb_get_input_focus_reply(connection_, *pendingSend_, nullptr));
-            pendingSend_.reset();
+    // The picture a gesture opens with. On the server it keeps the last opening's cards, which
+    // are mostly the same again, so that opening sends only the few that changed.
+    QtServerPicture& opening() {
+        if (opening_.isOnServer()) {
+            display(opening_);
+            return opening_;
         }
+        return current_;
     }
+    // The picture the panel changes while on screen: the opening one is left as it was.
+    QtServerPicture& live() {
+        if (shown_ == &opening_) {
+            current_.copyFrom(opening_);
+            display(current_);
+        }
+        return current_;
+    }
+    QtServerPicture& shown() { return *shown_; }
 
-    // Sends these rectangles of the picture (device pixels) to the server; with `show`, the
-    // window draws them now.
-    void send(const std::vector<QRect>& rectangles, bool show) {
-        if (!isOnServer()) {
+    // After the picture shown was sent these rectangles: with `onScreen`, the window draws them.
+    void update(const std::vector<QRect>& rectangles, bool onScreen) {
+        if (!onScreen) {
             return;
         }
         const auto window = static_cast<xcb_window_t>(winId());
         for (const auto& rectangle : rectangles) {
-            const auto x = static_cast<std::int16_t>(rectangle.x());
-            const auto y = static_cast<std::int16_t>(rectangle.y());
-            const auto width = static_cast<std::uint16_t>(rectangle.width());
-            const auto height = static_cast<std::uint16_t>(rectangle.height());
-            if (segment_ != 0) {
-                xcb_shm_put_image(connection_, pixmap_, context_,
-                                  static_cast<std::uint16_t>(picture.width()),
-                                  static_cast<std::uint16_t>(picture.height()), x, y, width, height,
-                                  x, y, depth_, XCB_IMAGE_FORMAT_Z_PIXMAP, 0, segment_, 0);
-            } else {
-                putLines(rectangle);
-            }
-            if (show) {
-                xcb_clear_area(connection_, 0, window, x, y, width, height);
-            }
-        }
-        if (segment_ != 0) {
-            pendingSend_ = xcb_get_input_focus(connection_);
+            xcb_clear_area(connection_, 0, window, static_cast<std::int16_t>(rectangle.x()),
+                           static_cast<std::int16_t>(rectangle.y()),
+                           static_cast<std::uint16_t>(rectangle.width()),
+                           static_cast<std::uint16_t>(rectangle.height()));
         }
         // Qt sends its own requests when it draws; these would wait for its next drawing.
-        if (show) {
-            xcb_flush(connection_);
-        }
+        xcb_flush(connection_);
     }
 
   protected:
@@ -163,88 +128,28 @@ class QtOverlayPanel::Surface final : public QWidget {
         QPainter painter(this);
         painter.setCompositionMode(QPainter::CompositionMode_Source);
         painter.setClipRegion(event->region());
-        painter.drawImage(QPoint(0, 0), picture);
+        painter.drawImage(QPoint(0, 0), shown_->image());
         if (panel_.onPainted) {
             panel_.onPainted();
         }
     }
 
   private:
-    bool shareMemory(QSize pixels) {
-        const auto* extension = xcb_get_extension_data(connection_, &xcb_shm_id);
-        if (extension == nullptr || !extension->present) {
-            return false;
-        }
-        const auto bytes = static_cast<std::size_t>(pixels.width()) * pixels.height() * 4;
-        const int identifier = ::shmget(IPC_PRIVATE, bytes, IPC_CREAT | 0600);
-        if (identifier < 0) {
-            return false;
-        }
-        void* memory = ::shmat(identifier, nullptr, 0);
-        segment_ = xcb_generate_id(connection_);
-        auto* error = memory == reinterpret_cast<void*>(-1)
-                          ? nullptr
-                          : xcb_request_check(
-                                connection_,
-                                xcb_shm_attach_checked(connection_, segment_,
-                                                       static_cast<std::uint32_t>(identifier), 0));
-        // Gone with the last detach, whatever happens to either side.
-        ::shmctl(identifier, IPC_RMID, nullptr);
-        if (memory == reinterpret_cast<void*>(-1) || error != nullptr) {
-            std::free(error);
-            if (memory != reinterpret_cast<void*>(-1)) {
-                ::shmdt(memory);
-            }
-            segment_ = 0;
-            return false;
-        }
-        memory_ = static_cast<uchar*>(memory);
-        return true;
-    }
-
-    // Without shared memory: whole lines, as many to a request as the server takes.
-    void putLines(const QRect& rectangle) {
-        const auto rowBytes = static_cast<std::size_t>(picture.bytesPerLine());
-        const auto maximumRows = std::max<std::size_t>(
-            1, (std::size_t{xcb_get_maximum_request_length(connection_)} * 4 - 64) / rowBytes);
-        for (int row = rectangle.top(); row <= rectangle.bottom();) {
-            const int rows = std::min(rectangle.bottom() + 1 - row, static_cast<int>(maximumRows));
-            xcb_put_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap_, context_,
-                          static_cast<std::uint16_t>(picture.width()),
-                          static_cast<std::uint16_t>(rows), 0, static_cast<std::int16_t>(row), 0,
-                          depth_, static_cast<std::uint32_t>(rowBytes * rows),
-                          picture.constScanLine(row));
-            row += rows;
-        }
-    }
-
-    void releasePicture() {
-        waitUntilSent();
-        picture = QImage();
-        if (pixmap_ != 0) {
-            xcb_free_gc(connection_, context_);
-            xcb_free_pixmap(connection_, pixmap_);
-            pixmap_ = 0;
-        }
-        if (segment_ != 0) {
-            xcb_shm_detach(connection_, segment_);
-            // The server must let go before the memory goes.
-            std::free(
-                xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
-            ::shmdt(memory_);
-            segment_ = 0;
-            memory_ = nullptr;
+    // Makes `picture` the window's background; it shows the same as the one before at this point.
+    void display(QtServerPicture& picture) {
+        shown_ = &picture;
+        if (picture.isOnServer()) {
+            const auto pixmap = picture.pixmap();
+            xcb_change_window_attributes(connection_, static_cast<xcb_window_t>(winId()),
+                                         XCB_CW_BACK_PIXMAP, &pixmap);
         }
     }
 
     QtOverlayPanel& panel_;
     xcb_connection_t* connection_ = nullptr;
-    xcb_pixmap_t pixmap_ = 0;
-    xcb_gcontext_t context_ = 0;
-    std::uint8_t depth_ = 0;
-    xcb_shm_seg_t segment_ = 0;
-    uchar* memory_ = nullptr;
-    std::optional<xcb_get_input_focus_cookie_t> pendingSend_;
+    QtServerPicture current_;
+    QtServerPicture opening_;
+    QtServerPicture* shown_ = &current_;
 };
 
 QtOverlayPanel::QtOverlayPanel(Environment environment, QtOverlayRenderer renderer)
@@ -320,20 +225,24 @@ void QtOverlayPanel::rebuild() {
 }
 
 void QtOverlayPanel::rebuildNow() {
+    rebuildInto(surface_->live());
+}
+
+void QtOverlayPanel::rebuildInto(QtServerPicture& picture) {
     if (!visible_ || !viewModel_ || !builder_) {
         return;
     }
     auto data = builder_->build(*viewModel_, size_);
-    const auto scroll = scrollFor(data);
-    auto changed = QtOverlayRenderer::changedRegion(surface_->data, data);
-    surface_->data = std::move(data);
-    if (scroll != scroll_) {
-        scroll_ = scroll;
+    scroll_ = scrollFor(data);
+    auto changed = QtOverlayRenderer::changedRegion(picture.data, data);
+    picture.data = std::move(data);
+    if (scroll_ != picture.scroll) {
+        picture.scroll = scroll_;
         changed = QRegion(QRect(QPoint(0, 0), onScreen_.size()));
     } else {
         changed.translate(0, -scroll_);
     }
-    draw(changed & QRect(QPoint(0, 0), onScreen_.size()));
+    draw(picture, changed & QRect(QPoint(0, 0), onScreen_.size()));
 }
 
 void QtOverlayPanel::preparePicture() {
@@ -341,23 +250,20 @@ void QtOverlayPanel::preparePicture() {
     const QSize pixels = QSize(static_cast<int>(std::ceil(onScreen_.width() * ratio)),
                                static_cast<int>(std::ceil(onScreen_.height() * ratio)))
                              .expandedTo(QSize(1, 1));
-    if (surface_->picture.size() == pixels) {
+    if (surface_->pictureSize() == pixels) {
         return;
     }
     auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    surface_->preparePicture(pixels, ratio, x11 != nullptr ? x11->connection() : nullptr);
-    // Nothing of the last picture is left to compare with: the next one is drawn whole.
-    surface_->data = {};
+    surface_->preparePictures(pixels, ratio, x11 != nullptr ? x11->connection() : nullptr);
 }
 
-void QtOverlayPanel::draw(const QRegion& region) {
+void QtOverlayPanel::draw(QtServerPicture& picture, const QRegion& region) {
     if (region.isEmpty()) {
         return;
     }
-    auto& picture = surface_->picture;
-    surface_->waitUntilSent();
+    auto& image = picture.image();
     {
-        QPainter painter(&picture);
+        QPainter painter(&image);
         if (surface_->translucent) {
             painter.setCompositionMode(QPainter::CompositionMode_Source);
             for (const QRect& rect : region) {
@@ -365,16 +271,16 @@ void QtOverlayPanel::draw(const QRegion& region) {
             }
             painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
         }
-        // The window shows the panel from `scroll_` down; the renderer clips to the region.
-        const auto panelRegion = region.translated(0, scroll_);
-        painter.translate(0, -scroll_);
-        renderer_.paint(painter, surface_->data, !surface_->translucent, &panelRegion);
+        // The window shows the panel from `scroll` down; the renderer clips to the region.
+        const auto panelRegion = region.translated(0, picture.scroll);
+        painter.translate(0, -picture.scroll);
+        renderer_.paint(painter, picture.data, !surface_->translucent, &panelRegion);
     }
-    if (!surface_->isOnServer()) {
+    if (!picture.isOnServer()) {
         surface_->repaint(region);
         return;
     }
-    const double ratio = picture.devicePixelRatio();
+    const double ratio = image.devicePixelRatio();
     std::vector<QRect> rectangles;
     for (const QRect& rect : region) {
         rectangles.push_back(
@@ -382,9 +288,10 @@ void QtOverlayPanel::draw(const QRegion& region) {
                          static_cast<int>(std::floor(rect.top() * ratio))),
                   QPoint(static_cast<int>(std::ceil((rect.right() + 1) * ratio)) - 1,
                          static_cast<int>(std::ceil((rect.bottom() + 1) * ratio)) - 1))
-                .intersected(picture.rect()));
+                .intersected(image.rect()));
     }
-    surface_->send(rectangles, isPlaced_);
+    picture.send(rectangles);
+    surface_->update(rectangles, isPlaced_);
     if (onPainted) {
         onPainted();
     }
@@ -454,8 +361,15 @@ void QtOverlayPanel::orderFrontRegardless() {
     // Painted while still out of sight, and only where it differs from the last gesture's
     // picture, which the panel still holds.
     pendingRebuild_.stop();
-    rebuildNow();
+    rebuildInto(surface_->opening());
     place(onScreen_.topLeft());
+    // The picture the panel changes from now on is made ready after the opening, not on the
+    // next key.
+    QTimer::singleShot(0, surface_.get(), [this] {
+        if (visible_) {
+            surface_->live();
+        }
+    });
 }
 
 void QtOverlayPanel::place(QPoint position) {

@@ -1,10 +1,11 @@
 // The overlay's panel on the desktop: an override-redirect window that never takes the focus,
 // painted from the overlay's view data. It follows the view model while it is on screen and
 // repaints only what changed. On X11 its picture lives on the server as the window's background,
-// so that showing it sends nothing but the cards that changed. It has real transparency when a
-// compositor runs and is a square, solid panel when none does. Between gestures it stays mapped far
-// outside the screen, so that showing it is a move, not a map. A panel taller than the screen's
-// usable area is cut to it, top first, and scrolls to keep the selected card in sight.
+// and a second picture keeps the last gesture's opening: showing it sends only the cards that
+// changed since. It has real transparency when a compositor runs and is a square, solid panel when
+// none does. Between gestures it stays mapped far outside the screen, so that showing it is a
+// move, not a map. A panel taller than the screen's usable area is cut to it, top first, and
+// scrolls to keep the selected card in sight.
 #pragma once
 
 #include <QTimer>
@@ -19,6 +20,7 @@
 #include "overlay/SwitcherOverlayViewModel.h"
 #include "platform/OverlayPanelPort.h"
 #include "ui/qt/QtOverlayRenderer.h"
+#include "ui/qt/QtServerPicture.h"
 
 namespace orvane {
 
@@ -57,11 +59,14 @@ class QtOverlayPanel final : public OverlayPanelPort {
     // event is over.
     void rebuild();
     void rebuildNow();
+    // Brings the picture up to the view model, painting and sending only what changed.
+    void rebuildInto(QtServerPicture& picture);
     void rehearse();
     // A picture of the window's size, kept on the server where there is one.
     void preparePicture();
-    // Paints that region of the window (logical pixels) from the data, and sends it.
-    void draw(const QRegion& region);
+    // Paints that region of the window (logical pixels) of the picture from its data, and sends
+    // it.
+    void draw(QtServerPicture& picture, const QRegion& region);
     // Moves the panel's window there, above all others; on the screen its picture goes up with it.
     void place(QPoint position);
     // The panel's line at the window's top that keeps the selected card in sight: the one shown
