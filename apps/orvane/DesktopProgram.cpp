@@ -204,6 +204,12 @@ void DesktopProgram::terminate() {
     }
 }
 
+void DesktopProgram::perform(ExternalGesture gesture) {
+    if (app_ && !app_->hasTerminated() && eventTap_) {
+        eventTap_->perform(gesture);
+    }
+}
+
 void DesktopProgram::reopen() {
     if (!app_ || app_->hasTerminated()) {
         return;

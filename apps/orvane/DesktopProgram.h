@@ -13,6 +13,7 @@
 #include <optional>
 
 #include "app/OrvaneApp.h"
+#include "platform/ExternalGesture.h"
 #include "platform/x11/DesktopEntryCatalog.h"
 #include "platform/x11/DesktopKeyboardSettings.h"
 #include "platform/x11/X11Accessibility.h"
@@ -42,6 +43,8 @@ class DesktopProgram {
     // Orvane was started again while running: the delegate's reopen rule decides (Settings opens
     // when no window of the program is visible).
     void reopen();
+    // A gesture sent from outside: played as the keys of its chord.
+    void perform(ExternalGesture gesture);
 
     const std::shared_ptr<OrvaneApplicationDelegate>& delegate() const { return app_->delegate(); }
     QtOverlayPanel& overlayPanel() { return *overlayPanel_; }

@@ -6,6 +6,7 @@
 
 #include <QApplication>
 #include <QSocketNotifier>
+#include <QTimer>
 #include <csignal>
 #include <cstring>
 #include <iostream>
@@ -16,6 +17,7 @@
 #include "core/StandardErrorLogSink.h"
 #include "core/WordedLogSink.h"
 #include "core/Wording.h"
+#include "platform/ExternalGesture.h"
 #include "ui/qt/QtSingleInstance.h"
 
 namespace {
@@ -29,10 +31,30 @@ void onSignal(int) {
 
 }  // namespace
 
+// `orvane --gesture NAME`: hands the gesture to the running Orvane, as a binding of the window
+// manager or compositor would.
+int sendGesture(int argc, char** argv, const std::string& name) {
+    if (!orvane::externalGestureNamed(name)) {
+        std::cerr << "orvane: unknown gesture \"" << name
+                  << "\"; use next, previous, same-application or launcher\n";
+        return 2;
+    }
+    QCoreApplication application(argc, argv);
+    orvane::QtSingleInstance instance;
+    if (!instance.tell("gesture " + name)) {
+        std::cerr << "orvane: Orvane is not running, so the gesture went nowhere; start it first\n";
+        return 1;
+    }
+    return 0;
+}
+
 int main(int argc, char** argv) {
     orvane::LogLevel level = orvane::LogLevel::info;
     for (int index = 1; index < argc; ++index) {
         const std::string argument = argv[index];
+        if (argument == "--gesture") {
+            return sendGesture(argc, argv, index + 1 < argc ? argv[index + 1] : "");
+        }
         if (argument == "--log-level" && index + 1 < argc) {
             const std::string value = argv[++index];
             level = value == "debug"   ? orvane::LogLevel::debug
@@ -40,7 +62,10 @@ int main(int argc, char** argv) {
                                        : orvane::LogLevel::info;
         } else if (argument == "--help") {
             std::cout << "usage: orvane [--log-level debug|info|error]\n"
-                         "Hold Alt and tap Tab to switch windows; Alt-Space searches them.\n";
+                         "       orvane --gesture next|previous|same-application|launcher\n"
+                         "Hold Alt and tap Tab to switch windows; Alt-Space searches them.\n"
+                         "--gesture hands a gesture to the running Orvane, for a shortcut of\n"
+                         "your window manager's own; a held Alt then keeps the switcher open.\n";
             return 0;
         }
     }
@@ -80,7 +105,20 @@ int main(int argc, char** argv) {
         return 0;
     }
     auto program = orvane::DesktopProgram::start(std::move(connection));
-    instance.listen([&program] { program->reopen(); });
+    // Carried out after the answer: the sender waits for nothing more.
+    instance.listen([&program](const std::string& request) {
+        if (request == "reopen") {
+            QTimer::singleShot(0, [&program] { program->reopen(); });
+            return true;
+        }
+        const auto gesture = request.rfind("gesture ", 0) == 0
+                                 ? orvane::externalGestureNamed(request.substr(8))
+                                 : std::nullopt;
+        if (gesture) {
+            QTimer::singleShot(0, [&program, gesture] { program->perform(*gesture); });
+        }
+        return gesture.has_value();
+    });
 
     ::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, signalPipe);
     QSocketNotifier signals(signalPipe[0], QSocketNotifier::Read);

@@ -55,6 +55,15 @@ class DesktopEndToEndTest : public ::testing::Test {
         session->tap("Tab");
         session->release("Alt_L");
     }
+    // Runs the program with these arguments to its end: its exit status.
+    int runProgram(const std::vector<std::string>& arguments) {
+        std::vector<std::string> command{ORVANE_PROGRAM_PATH};
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        const auto process = session->spawn(command, session->folder() / "command.log");
+        int status = -1;
+        ::waitpid(process, &status, 0);
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
     bool becomesActive(xcb_window_t window) {
         return DesktopSession::waitFor(
             [&] { return session->activeWindow() == window && session->inputFocus() == window; });
@@ -78,7 +87,8 @@ std::string macOSWordIn(const std::string& log) {
 }
 
 // Recency, not stacking: the previous window comes forward, the focus follows it, a window
-// focused by other means moves to the front, and keys outside a gesture reach the client whole.
+// focused by other means moves to the front, the gesture also comes by command, and keys outside a
+// gesture reach the client whole.
 TEST_F(DesktopEndToEndTest, AltTabBringsThePreviousWindowForwardInRecencyOrder) {
     // A healthy desktop's start: nothing at error level, nothing of macOS.
     const auto started = session->programLog();
@@ -100,6 +110,18 @@ TEST_F(DesktopEndToEndTest, AltTabBringsThePreviousWindowForwardInRecencyOrder) 
     session->activate(first.window);
     altTab();
     EXPECT_TRUE(becomesActive(third.window));
+
+    // The gesture sent by command, as a window manager's own shortcut would: a held Alt keeps the
+    // overlay up until it is released; with nothing held it switches at once.
+    session->press("Alt_L");
+    EXPECT_EQ(runProgram({"--gesture", "next"}), 0);
+    EXPECT_TRUE(DesktopSession::waitFor([&] { return session->overlayWindow().has_value(); }));
+    EXPECT_EQ(session->activeWindow(), third.window);
+    session->release("Alt_L");
+    EXPECT_TRUE(becomesActive(first.window));
+    EXPECT_EQ(runProgram({"--gesture", "next"}), 0);
+    EXPECT_TRUE(becomesActive(third.window));
+    EXPECT_EQ(runProgram({"--gesture", "sideways"}), 2);
 
     // Outside a gesture the client gets every key itself; the Tab of a gesture it never sees.
     session->tap("a");

@@ -461,6 +461,43 @@ void X11EventTap::handleKey(const xcb_key_press_event_t& event, bool isPress) {
     connection_.flush();
 }
 
+void X11EventTap::perform(ExternalGesture gesture) {
+    const auto preferences = preferences_ ? preferences_->preferences() : SwitcherPreferences{};
+    const auto& shortcut = preferences.shortcutConfiguration;
+    const KeyboardEventFlags hold = shortcut.holdModifier == SwitcherHoldModifier::control
+                                        ? keyboard_event_flag::control
+                                        : keyboard_event_flag::option;
+    std::int64_t key = shortcut.triggerKeyCode;
+    KeyboardEventFlags flags = hold;
+    switch (gesture) {
+        case ExternalGesture::next:
+            break;
+        case ExternalGesture::previous:
+            flags |= keyboard_event_flag::shift;
+            break;
+        case ExternalGesture::sameApplication:
+            key = graveKeyCode;
+            break;
+        case ExternalGesture::launcher:
+            key = spaceKeyCode;
+            flags = keyboard_event_flag::option;
+            break;
+    }
+    // The modifiers first, as a keyboard would send them; what the user really holds is told
+    // right after, once the session has the keyboard.
+    deliver(keyboard_event_type::flagsChanged, 0, reportedFlags_ | flags, false, {}, nullptr);
+    deliver(keyboard_event_type::keyDown, key, reportedFlags_, false, {}, nullptr);
+    deliver(keyboard_event_type::keyUp, key, reportedFlags_, false, {}, nullptr);
+    synchronizeActiveGrab(XCB_CURRENT_TIME);
+    if (!activeGrab_) {
+        // No session took the keyboard (the gesture opened nothing, or the grab failed): the
+        // modifiers played are not held.
+        deliver(keyboard_event_type::flagsChanged, 0, flagsState(event_tap::combinedSessionState),
+                false, {}, nullptr);
+    }
+    connection_.flush();
+}
+
 void X11EventTap::synchronizeActiveGrab(xcb_timestamp_t time) {
     auto* connection = connection_.connection();
     const bool wanted = tap_ && isSessionActive_ && isSessionActive_();

@@ -17,6 +17,7 @@
 
 #include "core/PreferencesProviding.h"
 #include "platform/EventTapPort.h"
+#include "platform/ExternalGesture.h"
 #include "platform/x11/X11ComposeInput.h"
 #include "platform/x11/X11Connection.h"
 
@@ -54,6 +55,11 @@ class X11EventTap final : public EventTapPort {
     }
     // Grabs the chords another program held until now; each one taken is said once.
     void retryMissingChords();
+
+    // Plays a gesture that came from outside as the keys of its chord. The session it starts then
+    // follows the real keyboard: a hold modifier still held keeps it open until released, one
+    // already up commits it at once.
+    void perform(ExternalGesture gesture);
 
   private:
     struct Chord {

@@ -19,7 +19,6 @@ namespace orvane {
 
 namespace {
 
-constexpr char reopenRequest[] = "reopen\n";
 constexpr int answerTimeoutMilliseconds = 1000;
 
 const Logger& log() {
@@ -106,7 +105,7 @@ bool QtSingleInstance::handOverToRunningInstance(int patienceMilliseconds) {
     // The holder may be starting right now: its socket comes up once it runs.
     QElapsedTimer waited;
     waited.start();
-    while (!askRunningInstance()) {
+    while (!tell("reopen")) {
         if (waited.elapsed() >= patienceMilliseconds) {
             log().error("another Orvane holds %{public}s but does not answer; this one ends",
                         lockPath_->toStdString());
@@ -117,23 +116,26 @@ bool QtSingleInstance::handOverToRunningInstance(int patienceMilliseconds) {
     return true;
 }
 
-bool QtSingleInstance::askRunningInstance() {
+bool QtSingleInstance::tell(const std::string& request) {
+    if (!socketPath_) {
+        return false;
+    }
     QLocalSocket socket;
     socket.connectToServer(*socketPath_);
     if (!socket.waitForConnected(answerTimeoutMilliseconds)) {
         return false;
     }
-    socket.write(reopenRequest);
+    socket.write((request + "\n").c_str());
     socket.flush();
     // The running instance answers once it has taken the request.
     return socket.waitForReadyRead(answerTimeoutMilliseconds) && socket.readAll() == "ok\n";
 }
 
-bool QtSingleInstance::listen(std::function<void()> onReopen) {
+bool QtSingleInstance::listen(std::function<bool(const std::string& request)> onRequest) {
     if (!socketPath_) {
         return false;
     }
-    onReopen_ = std::move(onReopen);
+    onRequest_ = std::move(onRequest);
     server_ = std::make_unique<QLocalServer>();
     server_->setSocketOptions(QLocalServer::UserAccessOption);
     // This start holds the lock, so a socket left there is an ended instance's.
@@ -152,11 +154,10 @@ bool QtSingleInstance::listen(std::function<void()> onReopen) {
                 if (!socket->canReadLine()) {
                     return;
                 }
-                if (socket->readLine() == reopenRequest) {
-                    socket->write("ok\n");
-                    socket->flush();
-                    onReopen_();
-                }
+                const auto request = socket->readLine().trimmed().toStdString();
+                const bool taken = onRequest_(request);
+                socket->write(taken ? "ok\n" : "unknown\n");
+                socket->flush();
                 socket->disconnectFromServer();
             });
         }

@@ -11,6 +11,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 
 namespace orvane {
 
@@ -36,18 +37,20 @@ class QtSingleInstance {
     // instance holds it, after that one has taken the reopen or failed to answer for
     // `patienceMilliseconds`: this start should then exit.
     bool handOverToRunningInstance(int patienceMilliseconds = 5000);
-    // Listens from now on, replacing a socket left by an instance that ended; `onReopen` runs for
-    // each later start. False, after a log line, when the socket cannot be made.
-    bool listen(std::function<void()> onReopen);
+    // Listens from now on, replacing a socket left by an instance that ended. `onRequest` gets
+    // each line a later start sends ("reopen", or a command of its own) and answers whether it
+    // took it. False, after a log line, when the socket cannot be made.
+    bool listen(std::function<bool(const std::string& request)> onRequest);
+    // Sends one line to the running instance, without taking the lock: whether it took it.
+    bool tell(const std::string& request);
 
   private:
-    bool askRunningInstance();
+    std::function<bool(const std::string&)> onRequest_;
 
     std::optional<QString> socketPath_;
     std::optional<QString> lockPath_;
     int lockDescriptor_ = -1;
     std::unique_ptr<QLocalServer> server_;
-    std::function<void()> onReopen_;
 };
 
 }  // namespace orvane

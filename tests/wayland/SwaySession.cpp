@@ -1,0 +1,229 @@
+#include "SwaySession.h"
+
+#include <fcntl.h>
+#include <pwd.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <thread>
+
+extern char** environ;
+
+namespace orvane::testing {
+
+namespace {
+
+constexpr const char* unprivilegedUser = "orvane-sway";
+
+template <typename Condition>
+bool waitFor(Condition condition, std::chrono::milliseconds limit = std::chrono::seconds(5)) {
+    const auto end = std::chrono::steady_clock::now() + limit;
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > end) {
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    return true;
+}
+
+std::string readAll(const std::filesystem::path& path) {
+    std::ifstream file(path);
+    std::stringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+// Every title of the tree's windows, depth first, with the focused one's.
+void collectTitles(const nlohmann::json& node, std::vector<std::string>& titles,
+                   std::optional<std::string>& focused) {
+    if (node.contains("pid") && node.value("name", nlohmann::json()).is_string()) {
+        const auto name = node["name"].get<std::string>();
+        titles.push_back(name);
+        if (node.value("focused", false)) {
+            focused = name;
+        }
+    }
+    for (const char* children : {"nodes", "floating_nodes"}) {
+        if (node.contains(children)) {
+            for (const auto& child : node[children]) {
+                collectTitles(child, titles, focused);
+            }
+        }
+    }
+}
+
+}  // namespace
+
+SwaySession::SwaySession(const std::string& resolution) {
+    char pattern[] = "/tmp/orvane-sway-XXXXXX";
+    if (::mkdtemp(pattern) == nullptr) {
+        problem_ = "no temporary folder";
+        return;
+    }
+    folder_ = pattern;
+    std::vector<std::string> command;
+    if (::geteuid() == 0) {
+        const passwd* user = ::getpwnam(unprivilegedUser);
+        if (user == nullptr) {
+            problem_ = std::string("sway refuses root, and the user ") + unprivilegedUser +
+                       " to run it does not exist (scripts/test.sh makes it)";
+            return;
+        }
+        if (::chown(folder_.c_str(), user->pw_uid, user->pw_gid) != 0) {
+            problem_ =
+                "the compositor's folder could not be handed to " + std::string(unprivilegedUser);
+            return;
+        }
+        command = {"runuser", "-u", unprivilegedUser, "--"};
+    }
+    std::ofstream(folder_ / "config") << "output HEADLESS-1 resolution " << resolution << "\n"
+                                      << "default_border none\n";
+    for (const auto* argument : {"env", "-u", "WAYLAND_DISPLAY", "-u", "DISPLAY"}) {
+        command.emplace_back(argument);
+    }
+    command.push_back("XDG_RUNTIME_DIR=" + folder_.string());
+    for (const auto* argument : {"WLR_BACKENDS=headless", "WLR_RENDERER=pixman",
+                                 "WLR_LIBINPUT_NO_DEVICES=1", "sway", "-c"}) {
+        command.emplace_back(argument);
+    }
+    command.push_back((folder_ / "config").string());
+    compositor_ = spawn(command, folder_ / "sway.log", {});
+    std::filesystem::path socket, ipc;
+    waitFor([&] {
+        std::error_code ignored;
+        for (const auto& entry : std::filesystem::directory_iterator(folder_, ignored)) {
+            const auto name = entry.path().filename().string();
+            if (name.rfind("wayland-", 0) == 0 && name.find('.') == std::string::npos) {
+                socket = entry.path();
+            } else if (name.rfind("sway-ipc.", 0) == 0) {
+                ipc = entry.path();
+            }
+        }
+        return !socket.empty() && !ipc.empty();
+    });
+    if (socket.empty() || ipc.empty()) {
+        problem_ = "sway did not start: " + readAll(folder_ / "sway.log");
+        return;
+    }
+    display_ = socket.string();
+    ipcSocket_ = ipc.string();
+}
+
+SwaySession::~SwaySession() {
+    for (auto& client : clients_) {
+        stopProcess(client);
+    }
+    stopProcess(compositor_);
+    if (!folder_.empty()) {
+        std::error_code ignored;
+        std::filesystem::remove_all(folder_, ignored);
+    }
+}
+
+pid_t SwaySession::spawn(const std::vector<std::string>& arguments,
+                         const std::filesystem::path& output,
+                         const std::vector<std::string>& environment) const {
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, 1, output.c_str(), O_WRONLY | O_CREAT | O_APPEND,
+                                     0644);
+    posix_spawn_file_actions_adddup2(&actions, 1, 2);
+    std::vector<char*> argv;
+    for (const auto& argument : arguments) {
+        argv.push_back(const_cast<char*>(argument.c_str()));
+    }
+    argv.push_back(nullptr);
+    std::vector<std::string> variables(environment);
+    for (char** variable = environ; *variable != nullptr; ++variable) {
+        variables.emplace_back(*variable);
+    }
+    std::vector<char*> envp;
+    for (auto& variable : variables) {
+        envp.push_back(variable.data());
+    }
+    envp.push_back(nullptr);
+    pid_t process = 0;
+    if (posix_spawnp(&process, argv[0], &actions, nullptr, argv.data(), envp.data()) != 0) {
+        process = 0;
+    }
+    posix_spawn_file_actions_destroy(&actions);
+    return process;
+}
+
+void SwaySession::stopProcess(pid_t& process) {
+    if (process <= 0) {
+        return;
+    }
+    ::kill(process, SIGTERM);
+    if (!waitFor([&] { return ::waitpid(process, nullptr, WNOHANG) == process; },
+                 std::chrono::seconds(3))) {
+        ::kill(process, SIGKILL);
+        ::waitpid(process, nullptr, 0);
+    }
+    std::erase(clients_, process);
+    process = 0;
+}
+
+pid_t SwaySession::startClient(const std::string& title, const std::string& appId) {
+    const auto process =
+        spawn({"foot", "--title", title, "--app-id", appId, "sleep", "600"},
+              folder_ / ("client-" + appId + ".log"), {"WAYLAND_DISPLAY=" + display_});
+    if (process > 0) {
+        clients_.push_back(process);
+        waitFor([&] {
+            const auto shown = titles();
+            return std::find(shown.begin(), shown.end(), title) != shown.end();
+        });
+    }
+    return process;
+}
+
+std::string SwaySession::swaymsg(const std::vector<std::string>& arguments) const {
+    std::string command = "swaymsg -s '" + ipcSocket_ + "'";
+    for (const auto& argument : arguments) {
+        command += " '" + argument + "'";
+    }
+    std::string text;
+    if (FILE* pipe = ::popen(command.c_str(), "r")) {
+        char buffer[4096];
+        while (const auto count = std::fread(buffer, 1, sizeof buffer, pipe)) {
+            text.append(buffer, count);
+        }
+        ::pclose(pipe);
+    }
+    return text;
+}
+
+std::vector<std::string> SwaySession::titles() const {
+    std::vector<std::string> titles;
+    std::optional<std::string> focused;
+    const auto tree = nlohmann::json::parse(swaymsg({"-t", "get_tree"}), nullptr, false);
+    if (!tree.is_discarded()) {
+        collectTitles(tree, titles, focused);
+    }
+    return titles;
+}
+
+std::optional<std::string> SwaySession::focusedTitle() const {
+    std::vector<std::string> titles;
+    std::optional<std::string> focused;
+    const auto tree = nlohmann::json::parse(swaymsg({"-t", "get_tree"}), nullptr, false);
+    if (!tree.is_discarded()) {
+        collectTitles(tree, titles, focused);
+    }
+    return focused;
+}
+
+std::string SwaySession::log() const {
+    return readAll(folder_ / "sway.log");
+}
+
+}  // namespace orvane::testing

@@ -1,0 +1,52 @@
+// A headless sway of a test's own, with its Wayland socket, its IPC and clients on it. sway
+// refuses to run as root: run by root, the compositor runs as the unprivileged user
+// `orvane-sway`, which the test script creates.
+#pragma once
+
+#include <sys/types.h>
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace orvane::testing {
+
+class SwaySession {
+  public:
+    explicit SwaySession(const std::string& resolution = "1280x800");
+    ~SwaySession();
+    SwaySession(const SwaySession&) = delete;
+    SwaySession& operator=(const SwaySession&) = delete;
+
+    // Whether the compositor answers; else `problem()` says why.
+    bool isReady() const { return !display_.empty(); }
+    const std::string& problem() const { return problem_; }
+    // WAYLAND_DISPLAY for a client: the socket's full path.
+    const std::string& display() const { return display_; }
+
+    // A foot window with this title and app_id, once sway lists it.
+    pid_t startClient(const std::string& title, const std::string& appId);
+    void stopProcess(pid_t& process);
+
+    // What swaymsg prints for these arguments.
+    std::string swaymsg(const std::vector<std::string>& arguments) const;
+    // The title of the window sway has focused; nothing when none is.
+    std::optional<std::string> focusedTitle() const;
+    // Every title sway shows, in its tree's order.
+    std::vector<std::string> titles() const;
+    std::string log() const;
+
+  private:
+    pid_t spawn(const std::vector<std::string>& arguments, const std::filesystem::path& output,
+                const std::vector<std::string>& environment) const;
+
+    std::filesystem::path folder_;
+    std::string display_;
+    std::string ipcSocket_;
+    std::string problem_;
+    pid_t compositor_ = 0;
+    std::vector<pid_t> clients_;
+};
+
+}  // namespace orvane::testing
