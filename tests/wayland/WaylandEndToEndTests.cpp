@@ -88,7 +88,8 @@ TEST(WaylandWindowModelTest, FollowsSwaysWindowsTheirFocusAndActivatesThem) {
     changes.clear();
     sway.stopProcess(three);
     EXPECT_TRUE(pumpUntil(*connection, [&] { return model.windows().size() == 2; }));
-    EXPECT_THAT(changes, ::testing::Contains(Pair(WaylandWindowModel::ChangeKind::removed, "Three")));
+    EXPECT_THAT(changes,
+                ::testing::Contains(Pair(WaylandWindowModel::ChangeKind::removed, "Three")));
     EXPECT_EQ(model.window(closing), nullptr);
     EXPECT_FALSE(model.activate(closing));
     sway.stopProcess(one);
