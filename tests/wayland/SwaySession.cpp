@@ -202,24 +202,21 @@ std::string SwaySession::swaymsg(const std::vector<std::string>& arguments) cons
     return text;
 }
 
-std::vector<std::string> SwaySession::titles() const {
-    std::vector<std::string> titles;
-    std::optional<std::string> focused;
+std::pair<std::vector<std::string>, std::optional<std::string>> SwaySession::tree() const {
+    std::pair<std::vector<std::string>, std::optional<std::string>> result;
     const auto tree = nlohmann::json::parse(swaymsg({"-t", "get_tree"}), nullptr, false);
     if (!tree.is_discarded()) {
-        collectTitles(tree, titles, focused);
+        collectTitles(tree, result.first, result.second);
     }
-    return titles;
+    return result;
+}
+
+std::vector<std::string> SwaySession::titles() const {
+    return tree().first;
 }
 
 std::optional<std::string> SwaySession::focusedTitle() const {
-    std::vector<std::string> titles;
-    std::optional<std::string> focused;
-    const auto tree = nlohmann::json::parse(swaymsg({"-t", "get_tree"}), nullptr, false);
-    if (!tree.is_discarded()) {
-        collectTitles(tree, titles, focused);
-    }
-    return focused;
+    return tree().second;
 }
 
 std::string SwaySession::log() const {

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace orvane::testing {
@@ -38,6 +39,8 @@ class SwaySession {
     std::string log() const;
 
   private:
+    // Every title of sway's tree, and the focused one's.
+    std::pair<std::vector<std::string>, std::optional<std::string>> tree() const;
     pid_t spawn(const std::vector<std::string>& arguments, const std::filesystem::path& output,
                 const std::vector<std::string>& environment) const;
 

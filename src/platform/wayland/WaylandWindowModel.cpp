@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "core/Logger.h"
+#include "core/Utf8Cut.h"
 #include "wlr-foreign-toplevel-management-unstable-v1-client-protocol.h"
 
 namespace orvane {
@@ -19,16 +20,7 @@ constexpr std::uint32_t applicationStandIns = 0x60000000u;
 constexpr std::size_t longestTitle = 4096;
 
 std::string boundedText(const char* text) {
-    std::string result = text != nullptr ? text : "";
-    if (result.size() > longestTitle) {
-        // Cut at a character boundary: continuation bytes are 10xxxxxx.
-        std::size_t end = longestTitle;
-        while (end > 0 && (static_cast<unsigned char>(result[end]) & 0xC0) == 0x80) {
-            --end;
-        }
-        result.resize(end);
-    }
-    return result;
+    return cutToBytes(text != nullptr ? text : "", longestTitle);
 }
 
 }  // namespace

@@ -2,18 +2,13 @@
 
 #include <algorithm>
 
+#include "core/Utf8Cut.h"
+
 namespace orvane {
 
 std::string X11PropertyParsing::boundedText(const std::vector<std::uint8_t>& bytes) {
-    std::string text(bytes.begin(), std::find(bytes.begin(), bytes.end(), 0));
-    if (text.size() > longestText) {
-        std::size_t cut = longestText;
-        while (cut > 0 && (static_cast<unsigned char>(text[cut]) & 0xC0) == 0x80) {
-            --cut;
-        }
-        text.resize(cut);
-    }
-    return text;
+    return cutToBytes(std::string(bytes.begin(), std::find(bytes.begin(), bytes.end(), 0)),
+                      longestText);
 }
 
 std::string X11PropertyParsing::windowClass(const std::vector<std::uint8_t>& bytes) {
