@@ -40,12 +40,11 @@ QRect usableArea(const QRect& rectangle) {
 
 class QtOverlayPanel::Surface final : public QWidget {
   public:
-    Surface(QtOverlayPanel& panel, bool translucent)
+    explicit Surface(bool translucent)
         : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
                                Qt::X11BypassWindowManagerHint | Qt::WindowDoesNotAcceptFocus |
                                Qt::WindowTransparentForInput),
-          translucent(translucent),
-          panel_(panel) {
+          translucent(translucent) {
         setAttribute(Qt::WA_ShowWithoutActivating);
         setAttribute(Qt::WA_X11DoNotAcceptFocus);
         // An alpha channel only where a compositor blends it: without one it would only cost.
@@ -73,8 +72,9 @@ class QtOverlayPanel::Surface final : public QWidget {
     QSize pictureSize() const { return current_.size(); }
     bool isOnServer() const { return current_.isOnServer(); }
 
-    // The picture a gesture opens with. On the server it keeps the last opening's cards, which
-    // are mostly the same again, so that opening sends only the few that changed.
+    // The picture a gesture opens with. On the server it holds what the last gesture foresaw
+    // for this one (else the last opening), mostly the same again, so that opening sends only
+    // what differs.
     QtServerPicture& opening() {
         if (opening_.isOnServer()) {
             display(opening_);
@@ -91,14 +91,13 @@ class QtOverlayPanel::Surface final : public QWidget {
         return current_;
     }
     QtServerPicture& shown() { return *shown_; }
+    // The opening picture, to be made ready while the window is out of sight.
+    QtServerPicture& openingPicture() { return opening_; }
 
     // After the picture shown was sent these rectangles: with `onScreen`, the window draws them.
     void update(const std::vector<QRect>& rectangles, bool onScreen) {
-        if (!onScreen) {
-            return;
-        }
         const auto window = static_cast<xcb_window_t>(winId());
-        for (const auto& rectangle : rectangles) {
+        for (const auto& rectangle : onScreen ? rectangles : std::vector<QRect>()) {
             xcb_clear_area(connection_, 0, window, static_cast<std::int16_t>(rectangle.x()),
                            static_cast<std::int16_t>(rectangle.y()),
                            static_cast<std::uint16_t>(rectangle.width()),
@@ -129,9 +128,6 @@ class QtOverlayPanel::Surface final : public QWidget {
         painter.setCompositionMode(QPainter::CompositionMode_Source);
         painter.setClipRegion(event->region());
         painter.drawImage(QPoint(0, 0), shown_->image());
-        if (panel_.onPainted) {
-            panel_.onPainted();
-        }
     }
 
   private:
@@ -145,7 +141,6 @@ class QtOverlayPanel::Surface final : public QWidget {
         }
     }
 
-    QtOverlayPanel& panel_;
     xcb_connection_t* connection_ = nullptr;
     QtServerPicture current_;
     QtServerPicture opening_;
@@ -155,8 +150,8 @@ class QtOverlayPanel::Surface final : public QWidget {
 QtOverlayPanel::QtOverlayPanel(Environment environment, QtOverlayRenderer renderer)
     : environment_(std::move(environment)),
       renderer_(std::move(renderer)),
-      surface_(std::make_unique<Surface>(
-          *this, environment_.isComposited && environment_.isComposited())) {
+      surface_(
+          std::make_unique<Surface>(environment_.isComposited && environment_.isComposited())) {
     // The window is mapped out of sight now, so the first gesture pays no map.
     surface_->move(offscreen, offscreen);
     surface_->show();
@@ -225,15 +220,17 @@ void QtOverlayPanel::rebuild() {
 }
 
 void QtOverlayPanel::rebuildNow() {
-    rebuildInto(surface_->live());
+    if (visible_ && viewModel_) {
+        rebuildInto(surface_->live(), *viewModel_);
+    }
 }
 
-void QtOverlayPanel::rebuildInto(QtServerPicture& picture) {
-    if (!visible_ || !viewModel_ || !builder_) {
+void QtOverlayPanel::rebuildInto(QtServerPicture& picture, const SwitcherOverlayViewModel& model) {
+    if (!builder_) {
         return;
     }
-    auto data = builder_->build(*viewModel_, size_);
-    scroll_ = scrollFor(data);
+    auto data = builder_->build(model, size_);
+    scroll_ = scrollFor(data, model);
     auto changed = QtOverlayRenderer::changedRegion(picture.data, data);
     picture.data = std::move(data);
     if (scroll_ != picture.scroll) {
@@ -292,14 +289,12 @@ void QtOverlayPanel::draw(QtServerPicture& picture, const QRegion& region) {
     }
     picture.send(rectangles);
     surface_->update(rectangles, isPlaced_);
-    if (onPainted) {
-        onPainted();
-    }
 }
 
-int QtOverlayPanel::scrollFor(const OverlayViewData& data) const {
+int QtOverlayPanel::scrollFor(const OverlayViewData& data,
+                              const SwitcherOverlayViewModel& model) const {
     const int overflow = static_cast<int>(std::ceil(size_.height)) - onScreen_.height();
-    const auto selected = viewModel_ ? viewModel_->selectedWindow() : std::nullopt;
+    const auto selected = model.selectedWindow();
     if (overflow <= 0 || !selected) {
         return 0;
     }
@@ -349,7 +344,7 @@ void QtOverlayPanel::orderFrontRegardless() {
     const bool composited = environment_.isComposited && environment_.isComposited();
     if (composited != surface_->translucent) {
         // A compositor came or went: the panel needs the other kind of window.
-        surface_ = std::make_unique<Surface>(*this, composited);
+        surface_ = std::make_unique<Surface>(composited);
         surface_->resize(onScreen_.size());
     }
     visible_ = true;
@@ -361,7 +356,9 @@ void QtOverlayPanel::orderFrontRegardless() {
     // Painted while still out of sight, and only where it differs from the last gesture's
     // picture, which the panel still holds.
     pendingRebuild_.stop();
-    rebuildInto(surface_->opening());
+    if (viewModel_) {
+        rebuildInto(surface_->opening(), *viewModel_);
+    }
     place(onScreen_.topLeft());
     // The picture the panel changes from now on is made ready after the opening, not on the
     // next key.
@@ -397,14 +394,21 @@ void QtOverlayPanel::place(QPoint position) {
 void QtOverlayPanel::orderOut() {
     visible_ = false;
     pendingRebuild_.stop();
+    auto next = nextOpening();
     // The window coming forward is asked for after this, in the same key event. The panel leaves
     // once the window manager has brought it: the screen goes from the overlay straight to the
     // result, and the window manager doesn't wait behind the redrawing of all that the panel
     // uncovers. It stays mapped, so showing it again costs no map.
-    QTimer::singleShot(0, surface_.get(), [this] {
-        auto leave = [this, surface = QPointer<QWidget>(surface_.get())] {
-            if (surface && !visible_) {
-                place(QPoint(offscreen, offscreen));
+    QTimer::singleShot(0, surface_.get(), [this, next = std::move(next)] {
+        auto leave = [this, surface = QPointer<QWidget>(surface_.get()), next] {
+            if (!surface || visible_) {
+                return;
+            }
+            place(QPoint(offscreen, offscreen));
+            // The next gesture most likely opens on what this one chose: painted and sent now,
+            // it finds its picture on the server already.
+            if (next && surface_->isOnServer()) {
+                rebuildInto(surface_->openingPicture(), *next);
             }
         };
         if (environment_.afterActivation) {
@@ -413,6 +417,28 @@ void QtOverlayPanel::orderOut() {
             leave();
         }
     });
+}
+
+std::shared_ptr<const SwitcherOverlayViewModel> QtOverlayPanel::nextOpening() const {
+    if (!viewModel_ || viewModel_->launcherPresentation.value()) {
+        return nullptr;
+    }
+    auto windows = viewModel_->windows.value();
+    const auto chosen = viewModel_->selectedIndex.value();
+    if (windows.empty() || chosen < 0 || chosen >= static_cast<std::ptrdiff_t>(windows.size())) {
+        return nullptr;
+    }
+    // As recency will have it once the chosen window is active: it first, the rest in order, and
+    // no previews, as every gesture opens.
+    std::rotate(windows.begin(), windows.begin() + chosen, windows.begin() + chosen + 1);
+    auto model = std::make_shared<SwitcherOverlayViewModel>();
+    model->layoutStyle.set(viewModel_->layoutStyle.value());
+    model->cardSize.set(viewModel_->cardSize.value());
+    model->thumbnailsEnabled.set(viewModel_->thumbnailsEnabled.value());
+    model->columnCount.set(viewModel_->columnCount.value());
+    model->selectedIndex.set(windows.size() >= 2 ? 1 : 0);
+    model->windows.set(std::move(windows));
+    return model;
 }
 
 }  // namespace orvane

@@ -49,8 +49,6 @@ class QtOverlayPanel final : public OverlayPanelPort {
     void orderOut() override;
 
     QWidget& widget();
-    // Called after each paint with what was painted, for measurements.
-    std::function<void()> onPainted;
 
   private:
     class Surface;
@@ -59,8 +57,11 @@ class QtOverlayPanel final : public OverlayPanelPort {
     // event is over.
     void rebuild();
     void rebuildNow();
-    // Brings the picture up to the view model, painting and sending only what changed.
-    void rebuildInto(QtServerPicture& picture);
+    // Brings the picture up to a view model, painting and sending only what changed.
+    void rebuildInto(QtServerPicture& picture, const SwitcherOverlayViewModel& model);
+    // What the next gesture will most likely open on, once this one's choice is active; nothing
+    // for the launcher.
+    std::shared_ptr<const SwitcherOverlayViewModel> nextOpening() const;
     void rehearse();
     // A picture of the window's size, kept on the server where there is one.
     void preparePicture();
@@ -71,7 +72,7 @@ class QtOverlayPanel final : public OverlayPanelPort {
     void place(QPoint position);
     // The panel's line at the window's top that keeps the selected card in sight: the one shown
     // now when it does.
-    int scrollFor(const OverlayViewData& data) const;
+    int scrollFor(const OverlayViewData& data, const SwitcherOverlayViewModel& model) const;
 
     Environment environment_;
     QtOverlayRenderer renderer_;
