@@ -26,6 +26,8 @@ std::optional<PropertyListValue> X11WindowList::copyWindowInfo(std::uint32_t opt
     const bool onScreenOnly = (options & window_list_option::onScreenOnly) != 0;
     const bool excludeDesktop = (options & window_list_option::excludeDesktopElements) != 0;
     PropertyListValue::Array entries;
+    // Every gesture reads the list twice: no growing on the way.
+    entries.reserve(model_.stackingFrontToBack().size());
     for (auto identifier : model_.stackingFrontToBack()) {
         const auto* window = model_.window(identifier);
         if (window == nullptr ||
@@ -38,6 +40,7 @@ std::optional<PropertyListValue> X11WindowList::copyWindowInfo(std::uint32_t opt
             continue;
         }
         PropertyListValue::Dictionary dictionary;
+        dictionary.reserve(7);
         auto add = [&](const char* key, PropertyListValue value) {
             dictionary.emplace_back(PropertyListValue{key}, std::move(value));
         };
