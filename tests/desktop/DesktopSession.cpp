@@ -1,8 +1,6 @@
 #include "DesktopSession.h"
 
-#include <fcntl.h>
 #include <signal.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <xcb/xcb_keysyms.h>
@@ -17,9 +15,8 @@
 #include <sstream>
 #include <thread>
 
+#include "../common/ChildProcess.h"
 #include "InternAtom.h"
-
-extern char** environ;
 
 namespace orvane::testing {
 
@@ -132,40 +129,11 @@ DesktopSession::~DesktopSession() {
 
 pid_t DesktopSession::spawn(const std::vector<std::string>& arguments,
                             const std::filesystem::path& output) {
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, 1, output.c_str(), O_WRONLY | O_CREAT | O_APPEND,
-                                     0644);
-    posix_spawn_file_actions_addopen(&actions, 2, output.c_str(), O_WRONLY | O_CREAT | O_APPEND,
-                                     0644);
-    std::vector<char*> argv;
-    for (const auto& argument : arguments) {
-        argv.push_back(const_cast<char*>(argument.c_str()));
-    }
-    argv.push_back(nullptr);
-    pid_t process = 0;
-    if (posix_spawnp(&process, argv[0], &actions, nullptr, argv.data(), environ) != 0) {
-        process = 0;
-    }
-    posix_spawn_file_actions_destroy(&actions);
-    return process;
+    return spawnLogged(arguments, output);
 }
 
 void DesktopSession::stopProcess(pid_t& process) {
-    if (process <= 0) {
-        return;
-    }
-    ::kill(process, SIGTERM);
-    for (int attempt = 0; attempt < 100; ++attempt) {
-        if (::waitpid(process, nullptr, WNOHANG) == process) {
-            process = 0;
-            return;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    }
-    ::kill(process, SIGKILL);
-    ::waitpid(process, nullptr, 0);
-    process = 0;
+    stopChild(process);
 }
 
 void DesktopSession::startProgram() {

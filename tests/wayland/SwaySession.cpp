@@ -1,9 +1,7 @@
 #include "SwaySession.h"
 
-#include <fcntl.h>
 #include <pwd.h>
 #include <signal.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -14,7 +12,7 @@
 #include <sstream>
 #include <thread>
 
-extern char** environ;
+#include "../common/ChildProcess.h"
 
 namespace orvane::testing {
 
@@ -95,7 +93,7 @@ SwaySession::SwaySession(const std::string& resolution) {
         command.emplace_back(argument);
     }
     command.push_back((folder_ / "config").string());
-    compositor_ = spawn(command, folder_ / "sway.log", {});
+    compositor_ = spawnLogged(command, folder_ / "sway.log");
     std::filesystem::path socket, ipc;
     waitFor([&] {
         std::error_code ignored;
@@ -128,54 +126,16 @@ SwaySession::~SwaySession() {
     }
 }
 
-pid_t SwaySession::spawn(const std::vector<std::string>& arguments,
-                         const std::filesystem::path& output,
-                         const std::vector<std::string>& environment) const {
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, 1, output.c_str(), O_WRONLY | O_CREAT | O_APPEND,
-                                     0644);
-    posix_spawn_file_actions_adddup2(&actions, 1, 2);
-    std::vector<char*> argv;
-    for (const auto& argument : arguments) {
-        argv.push_back(const_cast<char*>(argument.c_str()));
-    }
-    argv.push_back(nullptr);
-    std::vector<std::string> variables(environment);
-    for (char** variable = environ; *variable != nullptr; ++variable) {
-        variables.emplace_back(*variable);
-    }
-    std::vector<char*> envp;
-    for (auto& variable : variables) {
-        envp.push_back(variable.data());
-    }
-    envp.push_back(nullptr);
-    pid_t process = 0;
-    if (posix_spawnp(&process, argv[0], &actions, nullptr, argv.data(), envp.data()) != 0) {
-        process = 0;
-    }
-    posix_spawn_file_actions_destroy(&actions);
-    return process;
-}
-
 void SwaySession::stopProcess(pid_t& process) {
-    if (process <= 0) {
-        return;
-    }
-    ::kill(process, SIGTERM);
-    if (!waitFor([&] { return ::waitpid(process, nullptr, WNOHANG) == process; },
-                 std::chrono::seconds(3))) {
-        ::kill(process, SIGKILL);
-        ::waitpid(process, nullptr, 0);
-    }
-    std::erase(clients_, process);
-    process = 0;
+    const auto stopping = process;
+    stopChild(process);
+    std::erase(clients_, stopping);
 }
 
 pid_t SwaySession::startClient(const std::string& title, const std::string& appId) {
     const auto process =
-        spawn({"foot", "--title", title, "--app-id", appId, "sleep", "600"},
-              folder_ / ("client-" + appId + ".log"), {"WAYLAND_DISPLAY=" + display_});
+        spawnLogged({"foot", "--title", title, "--app-id", appId, "sleep", "600"},
+                    folder_ / ("client-" + appId + ".log"), {"WAYLAND_DISPLAY=" + display_});
     if (process > 0) {
         clients_.push_back(process);
         waitFor([&] {

@@ -41,8 +41,6 @@ class SwaySession {
   private:
     // Every title of sway's tree, and the focused one's.
     std::pair<std::vector<std::string>, std::optional<std::string>> tree() const;
-    pid_t spawn(const std::vector<std::string>& arguments, const std::filesystem::path& output,
-                const std::vector<std::string>& environment) const;
 
     std::filesystem::path folder_;
     std::string display_;

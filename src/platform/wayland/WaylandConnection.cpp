@@ -21,13 +21,6 @@ const Logger& log() {
     return Logger::forCategory(LogCategory::lifecycle);
 }
 
-template <typename Proxy>
-Proxy* bind(wl_registry* registry, std::uint32_t name, const wl_interface& interface,
-            std::uint32_t offered, std::uint32_t known) {
-    return static_cast<Proxy*>(
-        wl_registry_bind(registry, name, &interface, std::min(offered, known)));
-}
-
 }  // namespace
 
 std::unique_ptr<WaylandConnection> WaylandConnection::connect(const char* name) {
@@ -36,8 +29,21 @@ std::unique_ptr<WaylandConnection> WaylandConnection::connect(const char* name) 
         return nullptr;
     }
     std::unique_ptr<WaylandConnection> connection(new WaylandConnection(display));
-    // The globals come in the first answer, the outputs' and seat's first events in the second.
-    if (!connection->roundtrip() || !connection->roundtrip()) {
+    // The globals come in the first answer; the ones bound then speak first in the second.
+    if (!connection->roundtrip()) {
+        return nullptr;
+    }
+    auto& self = *connection;
+    self.seat_ = static_cast<wl_seat*>(self.bindGlobal(wl_seat_interface, 7));
+    self.sharedMemory_ = static_cast<wl_shm*>(self.bindGlobal(wl_shm_interface, 1));
+    self.compositor_ = static_cast<wl_compositor*>(self.bindGlobal(wl_compositor_interface, 4));
+    self.layerShell_ =
+        static_cast<zwlr_layer_shell_v1*>(self.bindGlobal(zwlr_layer_shell_v1_interface, 4));
+    self.screencopyManager_ = static_cast<zwlr_screencopy_manager_v1*>(
+        self.bindGlobal(zwlr_screencopy_manager_v1_interface, 3));
+    self.outputManager_ =
+        static_cast<zxdg_output_manager_v1*>(self.bindGlobal(zxdg_output_manager_v1_interface, 3));
+    if (!connection->roundtrip()) {
         return nullptr;
     }
     return connection;
@@ -79,29 +85,17 @@ WaylandConnection::~WaylandConnection() {
 void WaylandConnection::global(void* data, wl_registry* registry, std::uint32_t name,
                                const char* interface, std::uint32_t version) {
     auto& self = *static_cast<WaylandConnection*>(data);
-    const std::string_view offered(interface);
-    self.offered_.try_emplace(interface, name, version);
-    if (offered == wl_seat_interface.name && self.seat_ == nullptr) {
-        self.seat_ = bind<wl_seat>(registry, name, wl_seat_interface, version, 7);
-    } else if (offered == wl_shm_interface.name) {
-        self.sharedMemory_ = bind<wl_shm>(registry, name, wl_shm_interface, version, 1);
-    } else if (offered == wl_compositor_interface.name) {
-        self.compositor_ = bind<wl_compositor>(registry, name, wl_compositor_interface, version, 4);
-    } else if (offered == zwlr_layer_shell_v1_interface.name) {
-        self.layerShell_ =
-            bind<zwlr_layer_shell_v1>(registry, name, zwlr_layer_shell_v1_interface, version, 4);
-    } else if (offered == zwlr_screencopy_manager_v1_interface.name) {
-        self.screencopyManager_ = bind<zwlr_screencopy_manager_v1>(
-            registry, name, zwlr_screencopy_manager_v1_interface, version, 3);
-    } else if (offered == zxdg_output_manager_v1_interface.name) {
-        self.outputManager_ = bind<zxdg_output_manager_v1>(
-            registry, name, zxdg_output_manager_v1_interface, version, 3);
-    } else if (offered == wl_output_interface.name) {
-        auto* output = bind<wl_output>(registry, name, wl_output_interface, version, 4);
-        wl_proxy_set_user_data(reinterpret_cast<wl_proxy*>(output),
-                               reinterpret_cast<void*>(static_cast<std::uintptr_t>(name)));
-        self.outputs_.push_back(output);
+    // Outputs, of which there may be several, are bound as they come; every other global once,
+    // by `connect` or by its user.
+    if (std::string_view(interface) != wl_output_interface.name) {
+        self.offered_.try_emplace(interface, name, version);
+        return;
     }
+    auto* output = static_cast<wl_output*>(
+        wl_registry_bind(registry, name, &wl_output_interface, std::min(version, 4u)));
+    wl_proxy_set_user_data(reinterpret_cast<wl_proxy*>(output),
+                           reinterpret_cast<void*>(static_cast<std::uintptr_t>(name)));
+    self.outputs_.push_back(output);
 }
 
 void WaylandConnection::globalRemoved(void* data, wl_registry*, std::uint32_t name) {

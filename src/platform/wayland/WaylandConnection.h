@@ -40,7 +40,7 @@ class WaylandConnection final {
     // The protocols Orvane cannot run without that this compositor lacks, by name.
     std::vector<std::string> missingProtocols() const;
     // A new binding of the global offered under that interface, at the highest version both know;
-    // null when none is offered. For globals that speak at once when bound: their user binds them
+    // null when none is offered. Globals that speak at once when bound are bound by their user,
     // once it listens.
     void* bindGlobal(const wl_interface& interface, std::uint32_t knownVersion);
 

@@ -97,11 +97,13 @@ class QtOverlayPanel::Surface final : public QWidget {
     // After the picture shown was sent these rectangles: with `onScreen`, the window draws them.
     void update(const std::vector<QRect>& rectangles, bool onScreen) {
         const auto window = static_cast<xcb_window_t>(winId());
-        for (const auto& rectangle : onScreen ? rectangles : std::vector<QRect>()) {
-            xcb_clear_area(connection_, 0, window, static_cast<std::int16_t>(rectangle.x()),
-                           static_cast<std::int16_t>(rectangle.y()),
-                           static_cast<std::uint16_t>(rectangle.width()),
-                           static_cast<std::uint16_t>(rectangle.height()));
+        for (const auto& rectangle : rectangles) {
+            if (onScreen) {
+                xcb_clear_area(connection_, 0, window, static_cast<std::int16_t>(rectangle.x()),
+                               static_cast<std::int16_t>(rectangle.y()),
+                               static_cast<std::uint16_t>(rectangle.width()),
+                               static_cast<std::uint16_t>(rectangle.height()));
+            }
         }
         // Qt sends its own requests when it draws; these would wait for its next drawing.
         xcb_flush(connection_);
