@@ -3,7 +3,7 @@
 # minimal programs on the same key: key press to overlay painted at 6, 30 and 150 windows, Tab to
 # repaint, release to the chosen window active, memory over 1,000 gestures, and idle CPU over 30
 # seconds. Takes about eight minutes; run it on an otherwise quiet machine.
-#   bash scripts/bench-desktop.sh [TRIALS] [launcher]   (launcher: only the launcher keystroke)
+#   bash scripts/bench-desktop.sh [TRIALS] [launcher | 6 | 30 | 150]   (only that part)
 set -euo pipefail
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 cd "$root"

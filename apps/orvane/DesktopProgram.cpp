@@ -146,6 +146,12 @@ DesktopProgram::DesktopProgram(std::unique_ptr<X11Connection> connection)
     app_ = std::make_unique<OrvaneApp>(std::move(platform));
     const auto& delegate = app_->delegate();
     eventTap_->setPreferences(delegate->preferencesStore());
+    // Alt goes down a moment before Tab: the windows are read then, not on Tab's path.
+    eventTap_->setHoldModifierHandler([weak = std::weak_ptr(delegate)] {
+        if (auto program = weak.lock()) {
+            program->switcherSessionCoordinator()->prepare();
+        }
+    });
     eventTap_->setSessionQuery([weak = std::weak_ptr(delegate)] {
         auto program = weak.lock();
         return program && (program->switcherSessionCoordinator()->isSessionActive() ||

@@ -309,8 +309,10 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "no X server could be started\n");
         return 1;
     }
-    // "launcher" as a second argument measures only the launcher, for profiling it.
+    // "launcher" as a second argument measures only the launcher, a number only the switcher at
+    // that many windows: for profiling one of them.
     const bool launcherOnly = argc > 2 && std::string_view(argv[2]) == "launcher";
+    const int onlyWindows = argc > 2 && !launcherOnly ? std::atoi(argv[2]) : 0;
     std::vector<DesktopSession::Client> clients;
     std::printf(
         "Key to screen under Xvfb (1920x1080), %d trials, median and 90th percentile in ms\n",
@@ -325,8 +327,8 @@ int main(int argc, char** argv) {
                     results.repainted.summary().c_str(), results.activated.summary().c_str());
     };
     for (int windows : {6, 30, 150}) {
-        if (launcherOnly) {
-            break;
+        if (launcherOnly || (onlyWindows > 0 && windows != onlyWindows)) {
+            continue;
         }
         while (static_cast<int>(clients.size()) < windows) {
             clients.push_back(session.startClient("Window " + std::to_string(clients.size() + 1),
@@ -356,11 +358,14 @@ int main(int argc, char** argv) {
             std::printf("%-8d painted, orvane / same-size minimal: %.2fx\n", windows,
                         orvane.painted.median() / sameSize.painted.median());
         }
-        if (windows == 30) {
+        if (windows == 30 && onlyWindows == 0) {
             measureMemory(session);
         }
     }
 
+    if (onlyWindows > 0) {
+        return 0;
+    }
     installEntries(session.applicationsFolder(), 2000);
     session.startProgram();
     // The entries are read once the program runs.

@@ -25,6 +25,12 @@ bool SwitcherSessionCoordinator::startSameApplicationSession(bool backward) {
     return start(backward, true);
 }
 
+void SwitcherSessionCoordinator::prepare() {
+    if (!isSessionActive_) {
+        windowEnumerationService_->enumerateSwitchableWindows();
+    }
+}
+
 bool SwitcherSessionCoordinator::start(bool backward, bool sameApplicationOnly) {
     if (isSessionActive_) {
         return true;

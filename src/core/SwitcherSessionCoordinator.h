@@ -37,6 +37,9 @@ class SwitcherSessionCoordinator final : public SwitcherSessionDriving {
     void moveSelection(SwitcherSelectionDirection direction) override;
     void commitSession() override;
     void cancelSession() override;
+    // Reads the windows ahead of a gesture that likely comes (its hold key went down), so that
+    // its start finds them read where the platform can tell they did not change since.
+    void prepare();
 
     // The session's snapshot, index 0 the most recently used; empty when no session runs.
     const std::vector<SwitchableWindow>& sessionWindows() const { return sessionWindows_; }

@@ -99,6 +99,19 @@ AccessibilityWindowEnumerationService::AccessibilityWindowEnumerationService(
       workspace_(std::move(workspace)) {}
 
 std::vector<SwitchableWindow> AccessibilityWindowEnumerationService::enumerateSwitchableWindows() {
+    if (keptRevision_ && keptRevision_ == windowList_->revision()) {
+        return kept_;
+    }
+    auto windows = readSwitchableWindows();
+    // Taken after the read, which may itself have learnt something (a frame it had to ask for).
+    keptRevision_ = windowList_->revision();
+    if (keptRevision_) {
+        kept_ = windows;
+    }
+    return windows;
+}
+
+std::vector<SwitchableWindow> AccessibilityWindowEnumerationService::readSwitchableWindows() {
     const auto entries = readEntries();
     if (entries.empty()) {
         log_.error("CoreGraphics window list is empty; returning no switchable windows");

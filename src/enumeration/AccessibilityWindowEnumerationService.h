@@ -30,10 +30,13 @@ class AccessibilityWindowEnumerationService final : public WindowEnumerationServ
                                           std::shared_ptr<AccessibilityPort> accessibility,
                                           std::shared_ptr<WorkspacePort> workspace);
 
-    // Synchronous, on the main thread; never fails, each fault only narrows the result.
+    // Synchronous, on the main thread; never fails, each fault only narrows the result. Read anew
+    // unless the window list's revision says nothing changed since the last read.
     std::vector<SwitchableWindow> enumerateSwitchableWindows() override;
 
   private:
+    std::vector<SwitchableWindow> readSwitchableWindows();
+
     std::vector<CoreGraphicsWindowListEntry> readEntries();
     std::vector<CoreGraphicsWindowListEntry> readList(std::uint32_t options,
                                                       bool isPresentInOnScreenList);
@@ -45,6 +48,9 @@ class AccessibilityWindowEnumerationService final : public WindowEnumerationServ
     std::shared_ptr<WindowListPort> windowList_;
     std::shared_ptr<AccessibilityPort> accessibility_;
     std::shared_ptr<WorkspacePort> workspace_;
+    // The last read and the revision it holds for.
+    std::vector<SwitchableWindow> kept_;
+    std::optional<std::uint64_t> keptRevision_;
     const Logger& log_ = Logger::forCategory(LogCategory::windowenumeration);
 };
 

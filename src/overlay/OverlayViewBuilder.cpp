@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -177,8 +178,7 @@ class ElementWriter {
         const Rect preview{{frame.minX() + cardInnerPadding, frame.minY() + cardInnerPadding},
                            {metrics.thumbnailWidth, metrics.thumbnailHeight}};
         const double opacity = window.isMinimized ? minimizedOpacity : 1.0;
-        const auto icon =
-            iconResolver_(window.owningProcessIdentifier, window.owningApplicationName);
+        const auto& icon = iconOf(window);
         if (thumbnail != nullptr) {
             auto& image =
                 this->image(OverlayPart::thumbnail, key, *thumbnail, fitted(*thumbnail, preview));
@@ -423,7 +423,21 @@ class ElementWriter {
         return std::get<OverlayText>(elements_.back().content);
     }
 
+    // An application's windows share its icon: asked once per build, not once per card.
+    const std::optional<ImageHandle>& iconOf(const SwitchableWindow& window) {
+        auto found = icons_.find(window.owningProcessIdentifier);
+        if (found == icons_.end()) {
+            found = icons_
+                        .emplace(window.owningProcessIdentifier,
+                                 iconResolver_(window.owningProcessIdentifier,
+                                               window.owningApplicationName))
+                        .first;
+        }
+        return found->second;
+    }
+
     const OverlayViewBuilder::ApplicationIconResolver& iconResolver_;
+    std::unordered_map<ProcessIdentifier, std::optional<ImageHandle>> icons_;
     const OverlayTextMeasuring& measurer_;
     std::string modeHint_;
     std::vector<OverlayElement>& elements_;

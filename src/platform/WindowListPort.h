@@ -32,6 +32,11 @@ class WindowListPort {
     // `CGWindowListCopyWindowInfo`: an array of dictionaries, or nothing when the read failed.
     virtual std::optional<PropertyListValue> copyWindowInfo(std::uint32_t options,
                                                             WindowIdentifier relativeToWindow) = 0;
+
+    // A number that changes whenever anything this list, the windows' Accessibility view or the
+    // running applications say may have changed, so that what was read from them can be kept
+    // until then; nothing where the platform cannot tell, and every read is made anew.
+    virtual std::optional<std::uint64_t> revision() const { return std::nullopt; }
 };
 
 }  // namespace orvane

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -475,6 +476,56 @@ TEST(AccessibilityWindowEnumerationServiceTests, NamesEachApplicationOncePerEnum
                 ElementsAre("Renamed", unknown, unknown, "", "List Mail", "List Mail", "Renamed"));
     EXPECT_THAT(workspace->lookups, Each(Pair(_, 2)));
     EXPECT_EQ(workspace->lookups.size(), 6u);
+}
+
+// Forwards to the simulated list, under a revision the test sets, and counts the reads.
+struct RevisedWindowList final : WindowListPort {
+    explicit RevisedWindowList(std::shared_ptr<WindowListPort> inner) : inner(std::move(inner)) {}
+    std::optional<PropertyListValue> copyWindowInfo(std::uint32_t options,
+                                                    WindowIdentifier relativeToWindow) override {
+        ++reads;
+        return inner->copyWindowInfo(options, relativeToWindow);
+    }
+    std::optional<std::uint64_t> revision() const override { return current; }
+    std::shared_ptr<WindowListPort> inner;
+    std::optional<std::uint64_t> current;
+    int reads = 0;
+};
+
+TEST(AccessibilityWindowEnumerationServiceTests, KeepsItsReadExactlyWhileTheRevisionHolds) {
+    Harness harness;
+    harness.launch(editor, "Editor");
+    harness.add(1, editor, "Draft");
+    auto list = std::make_shared<RevisedWindowList>(harness.windowList);
+    AccessibilityWindowEnumerationService service(ownProcess, list, harness.accessibility,
+                                                  harness.workspace);
+    const auto identifiers = [&] {
+        Ids result;
+        for (const auto& window : service.enumerateSwitchableWindows()) {
+            result.push_back(window.windowIdentifier);
+        }
+        std::sort(result.begin(), result.end());
+        return result;
+    };
+
+    // A platform that cannot tell is read at every enumeration.
+    EXPECT_THAT(identifiers(), ElementsAre(1));
+    harness.add(2, editor, "Notes");
+    EXPECT_THAT(identifiers(), ElementsAre(1, 2));
+    EXPECT_EQ(list->reads, 4);
+
+    list->current = 7;
+    EXPECT_THAT(identifiers(), ElementsAre(1, 2));
+    harness.add(3, editor, "Plan");
+    EXPECT_THAT(identifiers(), ElementsAre(1, 2));
+    EXPECT_EQ(list->reads, 6);
+
+    list->current = 8;
+    EXPECT_THAT(identifiers(), ElementsAre(1, 2, 3));
+    EXPECT_EQ(list->reads, 8);
+    list->current.reset();
+    ASSERT_TRUE(harness.desktop->destroyWindow(3));
+    EXPECT_THAT(identifiers(), ElementsAre(1, 2));
 }
 
 }  // namespace

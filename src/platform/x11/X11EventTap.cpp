@@ -386,10 +386,22 @@ void X11EventTap::handleEvent(const xcb_generic_event_t& event) {
     const auto xkbType = reinterpret_cast<const std::uint8_t*>(&event)[1];
     if (xkbType == XCB_XKB_STATE_NOTIFY && state_ != nullptr) {
         const auto& notice = reinterpret_cast<const xcb_xkb_state_notify_event_t&>(event);
+        const std::uint16_t held = notice.baseMods;
+        bool holdWentDown = false;
+        for (const auto& chord : grabbed_) {
+            if (chord.required && chord.modifiers != 0) {
+                holdWentDown = (held & chord.modifiers) == chord.modifiers &&
+                               (heldModifiers_ & chord.modifiers) != chord.modifiers;
+            }
+        }
+        heldModifiers_ = held;
         xkb_state_update_mask(state_, notice.baseMods, notice.latchedMods, notice.lockedMods,
                               static_cast<xkb_layout_index_t>(notice.baseGroup),
                               static_cast<xkb_layout_index_t>(notice.latchedGroup),
                               static_cast<xkb_layout_index_t>(notice.lockedGroup));
+        if (holdWentDown && holdModifierHandler_ && tap_ && !activeGrab_) {
+            holdModifierHandler_();
+        }
     } else if (xkbType == XCB_XKB_NEW_KEYBOARD_NOTIFY || xkbType == XCB_XKB_MAP_NOTIFY) {
         reloadKeymap();
         if (tap_) {

@@ -53,6 +53,11 @@ class X11EventTap final : public EventTapPort {
     void setMissingChordsHandler(std::function<void(bool anyMissing)> handler) {
         missingChordsHandler_ = std::move(handler);
     }
+    // Told when the switcher's hold modifier went down outside a session: a gesture likely
+    // follows.
+    void setHoldModifierHandler(std::function<void()> handler) {
+        holdModifierHandler_ = std::move(handler);
+    }
     // Grabs the chords another program held until now; each one taken is said once.
     void retryMissingChords();
 
@@ -116,6 +121,8 @@ class X11EventTap final : public EventTapPort {
     // Chords reported as taken, so that each retry does not say it again.
     std::set<std::string> reportedTaken_;
     std::function<void(bool)> missingChordsHandler_;
+    std::function<void()> holdModifierHandler_;
+    std::uint16_t heldModifiers_ = 0;
 };
 
 }  // namespace orvane

@@ -14,6 +14,7 @@ class X11WindowList final : public WindowListPort {
 
     std::optional<PropertyListValue> copyWindowInfo(std::uint32_t options,
                                                     WindowIdentifier relativeToWindow) override;
+    std::optional<std::uint64_t> revision() const override { return model_.revision(); }
 
   private:
     X11WindowModel& model_;

@@ -86,10 +86,13 @@ void X11WindowModel::handleEvent(const xcb_generic_event_t& event) {
         connection_.noteEventTime(notice.time);
         if (notice.window == connection_.root()) {
             if (notice.atom == ewmh._NET_CLIENT_LIST_STACKING) {
+                ++revision_;
                 reloadStacking();
             } else if (notice.atom == ewmh._NET_ACTIVE_WINDOW) {
+                ++revision_;
                 reloadActive();
             } else if (notice.atom == ewmh._NET_CURRENT_DESKTOP) {
+                ++revision_;
                 reloadCurrentDesktop();
             }
             return;
@@ -112,6 +115,7 @@ void X11WindowModel::handleEvent(const xcb_generic_event_t& event) {
             return;
         }
         auto& client = found->second;
+        ++revision_;
         // A real notice is relative to the frame, which says nothing of where the window is.
         client.isFrameKnown = (event.response_type & 0x80) != 0;
         if (client.isFrameKnown) {
@@ -130,6 +134,7 @@ void X11WindowModel::handleEvent(const xcb_generic_event_t& event) {
 }
 
 void X11WindowModel::forget(xcb_window_t window) {
+    ++revision_;
     const auto gone = windows_.at(window);
     windows_.erase(window);
     std::erase(stacking_, window);
@@ -297,6 +302,7 @@ ProcessIdentifier X11WindowModel::applicationOf(const ClientWindow& client) {
 void X11WindowModel::reloadProperty(ClientWindow& client, xcb_atom_t atom) {
     auto& ewmh = connection_.ewmh();
     if (atom == ewmh._NET_WM_ICON) {
+        ++revision_;
         readIcon(client);
         return;
     }
@@ -308,6 +314,7 @@ void X11WindowModel::reloadProperty(ClientWindow& client, xcb_atom_t atom) {
     if (!known) {
         return;
     }
+    ++revision_;
     auto property = connection_.property(connection_.requestProperty(client.window, atom));
     if (atom == ewmh._NET_WM_PID) {
         const auto value = property ? property->cardinal() : std::nullopt;
@@ -445,6 +452,7 @@ void X11WindowModel::refreshGeometry() {
         auto found = windows_.find(unknown[index]);
         if (geometry != nullptr && position != nullptr && found != windows_.end()) {
             auto& client = found->second;
+            ++revision_;
             client.isFrameKnown = true;
             client.frame = {
                 {static_cast<double>(position->dst_x) - client.frameLeft,

@@ -84,6 +84,8 @@ class X11WindowModel {
     void refreshGeometry();
     // The process of the active window.
     std::optional<ProcessIdentifier> frontmostProcess() const;
+    // Changes whenever anything the model holds of its windows may have changed.
+    std::uint64_t revision() const { return revision_; }
 
     void addListener(Listener listener) { listeners_.push_back(std::move(listener)); }
 
@@ -112,6 +114,7 @@ class X11WindowModel {
     std::uint32_t currentDesktop_ = 0;
     std::vector<Listener> listeners_;
     std::uint64_t iconGeneration_ = 0;
+    std::uint64_t revision_ = 0;
     // How often each window identifier has been seen to go.
     std::map<xcb_window_t, std::uint32_t> removals_;
 };

@@ -91,6 +91,11 @@ QRegion QtOverlayRenderer::changedRegion(const OverlayViewData& before,
     if (!(before.panelSize == after.panelSize)) {
         return whole;
     }
+    // The likely case when a gesture opens on the picture prepared for it: nothing differs.
+    if (std::equal(before.elements.begin(), before.elements.end(), after.elements.begin(),
+                   after.elements.end(), looksAlike)) {
+        return {};
+    }
     // Card by card (a card's elements share its key): a card that gains its preview, moves or
     // goes changes its own place and nothing else.
     std::map<std::string_view,
