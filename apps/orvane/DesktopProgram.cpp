@@ -13,6 +13,7 @@
 #include "app/ProductSettings.h"
 #include "core/Logger.h"
 #include "core/Wording.h"
+#include "platform/linux/LinuxWindowList.h"
 #include "platform/posix/LinuxSystemInformation.h"
 #include "platform/posix/LocalNotificationCenter.h"
 #include "platform/posix/PackageManagerUpdater.h"
@@ -22,7 +23,6 @@
 #include "platform/posix/XdgUserDefaults.h"
 #include "platform/x11/GioApplicationLauncher.h"
 #include "platform/x11/X11ScreenCapture.h"
-#include "platform/x11/X11WindowList.h"
 #include "platform/x11/XdgAutostartLoginItem.h"
 #include "preferences/PreferencesStore.h"
 #include "preferences/SwitcherPreferencesCodec.h"
@@ -60,8 +60,11 @@ DesktopProgram::DesktopProgram(std::unique_ptr<X11Connection> connection)
     screens_ = std::make_unique<X11Screens>(*connection_, *model_);
     auto workspaceNotifications = std::make_shared<LocalNotificationCenter>();
     // Before the Accessibility port: it must hear of a launch before the focus notices.
-    workspace_ =
-        std::make_shared<X11Workspace>(*model_, workspaceNotifications, desktopEntries_.get());
+    workspace_ = std::make_shared<LinuxWorkspace>(
+        *model_, workspaceNotifications,
+        [entries = desktopEntries_](std::string_view instance, std::string_view windowClass) {
+            return entries->entryForWindowClass(instance, windowClass);
+        });
     eventTap_ = std::make_shared<X11EventTap>(*connection_);
     // The chords beside the required one, held by another program, are tried again while any
     // is missing, on the retry's own beat; nothing runs once all are Orvane's.
@@ -113,9 +116,9 @@ DesktopProgram::DesktopProgram(std::unique_ptr<X11Connection> connection)
     application_ = std::make_shared<QtApplicationObject>(applicationNotifications);
     platform.application = application_;
     platform.applicationNotifications = applicationNotifications;
-    accessibility_ = std::make_shared<X11Accessibility>(*connection_, *model_, runLoop);
+    accessibility_ = std::make_shared<LinuxAccessibility>(*model_, runLoop);
     platform.accessibility = accessibility_;
-    platform.windowList = std::make_shared<X11WindowList>(*model_);
+    platform.windowList = std::make_shared<LinuxWindowList>(*model_);
     platform.workspace = workspace_;
     platform.workspaceNotifications = workspaceNotifications;
     auto distributedNotifications = std::make_shared<LocalNotificationCenter>();

@@ -14,15 +14,15 @@
 
 #include "app/OrvaneApp.h"
 #include "platform/ExternalGesture.h"
+#include "platform/linux/LinuxAccessibility.h"
+#include "platform/linux/LinuxWorkspace.h"
 #include "platform/x11/DesktopEntryCatalog.h"
 #include "platform/x11/DesktopKeyboardSettings.h"
-#include "platform/x11/X11Accessibility.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11EventTap.h"
 #include "platform/x11/X11ScreenCapture.h"
 #include "platform/x11/X11Screens.h"
 #include "platform/x11/X11WindowModel.h"
-#include "platform/x11/X11Workspace.h"
 #include "ui/qt/LinuxPermissions.h"
 #include "ui/qt/QtApplicationObject.h"
 #include "ui/qt/QtHelpWindow.h"
@@ -72,8 +72,8 @@ class DesktopProgram {
     std::unique_ptr<X11Screens> screens_;
     std::shared_ptr<DesktopEntryCatalog> desktopEntries_;
     std::shared_ptr<X11ScreenCapture> screenCapture_;
-    std::shared_ptr<X11Workspace> workspace_;
-    std::shared_ptr<X11Accessibility> accessibility_;
+    std::shared_ptr<LinuxWorkspace> workspace_;
+    std::shared_ptr<LinuxAccessibility> accessibility_;
     std::shared_ptr<X11EventTap> eventTap_;
     std::shared_ptr<LinuxPermissions> permissions_;
     std::shared_ptr<QtOverlayPanel> overlayPanel_;

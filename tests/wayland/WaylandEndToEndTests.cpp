@@ -42,6 +42,14 @@ std::string titleOf(const WaylandWindowModel& model, std::optional<WindowIdentif
     return window != nullptr ? window->title : "";
 }
 
+std::vector<std::string> titlesFrontToBack(const WaylandWindowModel& model) {
+    std::vector<std::string> titles;
+    for (auto handle : model.frontToBack()) {
+        titles.push_back(titleOf(model, handle));
+    }
+    return titles;
+}
+
 TEST(WaylandWindowModelTest, FollowsSwaysWindowsTheirFocusAndActivatesThem) {
     SwaySession sway;
     ASSERT_TRUE(sway.isReady()) << sway.problem();
@@ -59,39 +67,44 @@ TEST(WaylandWindowModelTest, FollowsSwaysWindowsTheirFocusAndActivatesThem) {
     model.addListener(
         [&](auto kind, const auto& window) { changes.emplace_back(kind, window.title); });
 
-    // The windows there before the model are all told, with their application and focus.
-    std::map<std::string, const WaylandWindowModel::Toplevel*> byTitle;
-    for (const auto* window : model.windows()) {
-        byTitle[window->title] = window;
+    // The windows there before the model are all told, with their application and focus; the
+    // focused one first.
+    ASSERT_THAT(titlesFrontToBack(model), ElementsAre("Three", ::testing::_, ::testing::_));
+    std::map<std::string, const WaylandWindowModel::Window*> byTitle;
+    for (auto handle : model.frontToBack()) {
+        byTitle[model.window(handle)->title] = model.window(handle);
     }
-    ASSERT_THAT(byTitle, UnorderedElementsAre(Pair("One", ::testing::_), Pair("Two", ::testing::_),
-                                              Pair("Three", ::testing::_)));
-    EXPECT_EQ(byTitle["One"]->appId, "orvane.one");
+    ASSERT_TRUE(byTitle.contains("One") && byTitle.contains("Two"));
+    EXPECT_EQ(byTitle["One"]->applicationName, "orvane.one");
     EXPECT_EQ(byTitle["Two"]->process, byTitle["Three"]->process);
     EXPECT_NE(byTitle["One"]->process, byTitle["Two"]->process);
     EXPECT_EQ(titleOf(model, model.activeWindow()), "Three");
 
-    // A focus change made by someone else is an activation.
+    // A focus change made by someone else is an activation, and brings the window to the front.
+    const auto revision = model.revision();
     sway.swaymsg({"[title=\"^One$\"]", "focus"});
     EXPECT_TRUE(
         pumpUntil(*connection, [&] { return titleOf(model, model.activeWindow()) == "One"; }));
     EXPECT_THAT(changes, ElementsAre(Pair(WaylandWindowModel::ChangeKind::activated, "One")));
+    EXPECT_THAT(titlesFrontToBack(model), ElementsAre("One", "Three", ::testing::_));
+    EXPECT_NE(model.revision(), revision);
 
     // Orvane's own activation reaches sway.
-    ASSERT_TRUE(model.activate(byTitle["Two"]->identifier));
+    model.activate(*byTitle["Two"]);
     EXPECT_TRUE(pumpUntil(*connection, [&] { return sway.focusedTitle() == "Two"; }));
     EXPECT_TRUE(
         pumpUntil(*connection, [&] { return titleOf(model, model.activeWindow()) == "Two"; }));
 
-    // A window that closes is told once and is gone; activating it now is refused.
-    const auto closing = byTitle["Three"]->identifier;
+    // A window that closes is told once and is gone; activating its last copy asks nothing.
+    const auto closing = *byTitle["Three"];
     changes.clear();
     sway.stopProcess(three);
-    EXPECT_TRUE(pumpUntil(*connection, [&] { return model.windows().size() == 2; }));
+    EXPECT_TRUE(pumpUntil(*connection, [&] { return model.frontToBack().size() == 2; }));
     EXPECT_THAT(changes,
                 ::testing::Contains(Pair(WaylandWindowModel::ChangeKind::removed, "Three")));
-    EXPECT_EQ(model.window(closing), nullptr);
-    EXPECT_FALSE(model.activate(closing));
+    EXPECT_EQ(model.window(closing.window), nullptr);
+    model.activate(closing);
+    EXPECT_THAT(titlesFrontToBack(model), ElementsAre("Two", "One"));
     sway.stopProcess(one);
     sway.stopProcess(two);
 }

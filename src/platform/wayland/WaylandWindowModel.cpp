@@ -1,5 +1,6 @@
 #include "platform/wayland/WaylandWindowModel.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "core/Logger.h"
@@ -25,49 +26,42 @@ std::string boundedText(const char* text) {
 
 }  // namespace
 
-// A handle and what it has said: `pending` collects the events up to the next `done`, which
+// A toplevel and what it has said: `pending` collects the events up to the next `done`, which
 // makes them `shown`.
-struct WaylandWindowModel::Handle {
+struct WaylandWindowModel::Toplevel {
     WaylandWindowModel* model = nullptr;
     zwlr_foreign_toplevel_handle_v1* proxy = nullptr;
-    Toplevel pending;
-    std::optional<Toplevel> shown;
+    Window pending;
+    bool pendingActivated = false;
+    std::optional<Window> shown;
+    bool isActivated = false;
 
-    ~Handle() { zwlr_foreign_toplevel_handle_v1_destroy(proxy); }
+    ~Toplevel() { zwlr_foreign_toplevel_handle_v1_destroy(proxy); }
 
-    static Handle& of(void* data) { return *static_cast<Handle*>(data); }
+    static Toplevel& of(void* data) { return *static_cast<Toplevel*>(data); }
     static void title(void* data, zwlr_foreign_toplevel_handle_v1*, const char* title) {
         of(data).pending.title = boundedText(title);
     }
     static void appId(void* data, zwlr_foreign_toplevel_handle_v1*, const char* appId) {
-        of(data).pending.appId = boundedText(appId);
+        auto& pending = of(data).pending;
+        pending.windowClass = boundedText(appId);
+        pending.windowInstance = pending.windowClass;
+        pending.applicationName = pending.windowClass;
     }
     static void outputEnter(void*, zwlr_foreign_toplevel_handle_v1*, wl_output*) {}
     static void outputLeave(void*, zwlr_foreign_toplevel_handle_v1*, wl_output*) {}
     static void state(void* data, zwlr_foreign_toplevel_handle_v1*, wl_array* states) {
-        auto& pending = of(data).pending;
-        pending.isActivated = pending.isMinimized = pending.isMaximized = pending.isFullscreen =
-            false;
+        auto& toplevel = of(data);
+        toplevel.pendingActivated = toplevel.pending.isHidden = false;
         const auto count = states->size / sizeof(std::uint32_t);
         for (std::size_t index = 0; index < count; ++index) {
             std::uint32_t value = 0;
             std::memcpy(&value, static_cast<const char*>(states->data) + index * sizeof value,
                         sizeof value);
-            switch (value) {
-                case ZWLR_FOREIGN_TOPLEVEL_HANDLE_V1_STATE_ACTIVATED:
-                    pending.isActivated = true;
-                    break;
-                case ZWLR_FOREIGN_TOPLEVEL_HANDLE_V1_STATE_MINIMIZED:
-                    pending.isMinimized = true;
-                    break;
-                case ZWLR_FOREIGN_TOPLEVEL_HANDLE_V1_STATE_MAXIMIZED:
-                    pending.isMaximized = true;
-                    break;
-                case ZWLR_FOREIGN_TOPLEVEL_HANDLE_V1_STATE_FULLSCREEN:
-                    pending.isFullscreen = true;
-                    break;
-                default:
-                    break;
+            if (value == ZWLR_FOREIGN_TOPLEVEL_HANDLE_V1_STATE_ACTIVATED) {
+                toplevel.pendingActivated = true;
+            } else if (value == ZWLR_FOREIGN_TOPLEVEL_HANDLE_V1_STATE_MINIMIZED) {
+                toplevel.pending.isHidden = true;
             }
         }
     }
@@ -80,7 +74,8 @@ struct WaylandWindowModel::Handle {
     static void parent(void*, zwlr_foreign_toplevel_handle_v1*, zwlr_foreign_toplevel_handle_v1*) {}
 };
 
-WaylandWindowModel::WaylandWindowModel(WaylandConnection& connection) : connection_(connection) {
+WaylandWindowModel::WaylandWindowModel(WaylandConnection& connection, EntryOfClass entryOfClass)
+    : connection_(connection), entryOfClass_(std::move(entryOfClass)) {
     static const zwlr_foreign_toplevel_manager_v1_listener listener{&WaylandWindowModel::toplevel,
                                                                     &WaylandWindowModel::finished};
     manager_ = static_cast<zwlr_foreign_toplevel_manager_v1*>(
@@ -96,7 +91,7 @@ WaylandWindowModel::WaylandWindowModel(WaylandConnection& connection) : connecti
 }
 
 WaylandWindowModel::~WaylandWindowModel() {
-    handles_.clear();
+    toplevels_.clear();
     if (manager_ != nullptr) {
         // What the compositor still says to it is dropped once it is destroyed.
         zwlr_foreign_toplevel_manager_v1_stop(manager_);
@@ -108,120 +103,144 @@ WaylandWindowModel::~WaylandWindowModel() {
 void WaylandWindowModel::toplevel(void* data, zwlr_foreign_toplevel_manager_v1*,
                                   zwlr_foreign_toplevel_handle_v1* proxy) {
     static const zwlr_foreign_toplevel_handle_v1_listener listener{
-        &Handle::title, &Handle::appId, &Handle::outputEnter, &Handle::outputLeave,
-        &Handle::state, &Handle::done,  &Handle::closed,      &Handle::parent};
+        &Toplevel::title, &Toplevel::appId, &Toplevel::outputEnter, &Toplevel::outputLeave,
+        &Toplevel::state, &Toplevel::done,  &Toplevel::closed,      &Toplevel::parent};
     auto& self = *static_cast<WaylandWindowModel*>(data);
-    auto handle = std::make_unique<Handle>();
-    handle->model = &self;
-    handle->proxy = proxy;
-    handle->pending.identifier = self.nextIdentifier_++;
-    zwlr_foreign_toplevel_handle_v1_add_listener(proxy, &listener, handle.get());
-    self.handles_.emplace(handle->pending.identifier, std::move(handle));
+    auto toplevel = std::make_unique<Toplevel>();
+    toplevel->model = &self;
+    toplevel->proxy = proxy;
+    toplevel->pending.window = self.nextHandle_++;
+    toplevel->pending.identifier = toplevel->pending.window;
+    zwlr_foreign_toplevel_handle_v1_add_listener(proxy, &listener, toplevel.get());
+    self.toplevels_.emplace(toplevel->pending.window, std::move(toplevel));
 }
 
 void WaylandWindowModel::finished(void* data, zwlr_foreign_toplevel_manager_v1* manager) {
     auto& self = *static_cast<WaylandWindowModel*>(data);
     log().error("the compositor stopped telling of its windows; %{public}zu are forgotten",
-                self.handles_.size());
-    for (auto& [identifier, handle] : self.handles_) {
-        if (handle->shown) {
-            self.notify(ChangeKind::removed, *handle->shown);
+                self.order_.size());
+    auto toplevels = std::move(self.toplevels_);
+    self.toplevels_.clear();
+    self.order_.clear();
+    self.active_.reset();
+    ++self.revision_;
+    for (auto& [handle, toplevel] : toplevels) {
+        if (toplevel->shown) {
+            self.tell(ChangeKind::removed, *toplevel->shown);
         }
     }
-    self.handles_.clear();
     zwlr_foreign_toplevel_manager_v1_destroy(manager);
     self.manager_ = nullptr;
 }
 
-void WaylandWindowModel::commit(Handle& handle) {
-    auto& pending = handle.pending;
-    pending.process = standInFor(pending.appId);
-    const auto before = handle.shown;
-    handle.shown = pending;
-    const auto& now = *handle.shown;
+void WaylandWindowModel::commit(Toplevel& toplevel) {
+    ++revision_;
+    auto& pending = toplevel.pending;
+    pending.process = standInFor(pending.windowClass);
+    const auto before = toplevel.shown;
+    const bool wasActivated = toplevel.isActivated;
+    toplevel.shown = pending;
+    toplevel.isActivated = toplevel.pendingActivated;
+    const auto& now = *toplevel.shown;
     if (!before) {
-        log().debug("window %{public}u: \"%{public}s\" of %{public}s", now.identifier,
-                    now.title.c_str(), now.appId.c_str());
-        notify(ChangeKind::added, now);
-        if (now.isActivated) {
-            notify(ChangeKind::activated, now);
+        log().debug("window %{public}u: \"%{public}s\" of %{public}s", now.window,
+                    now.title.c_str(), now.windowClass.c_str());
+        // Behind the windows focus has ordered; the focused one goes to the front below.
+        order_.push_back(now.window);
+        tell(ChangeKind::added, now);
+    } else {
+        if (before->title != now.title) {
+            tell(ChangeKind::titled, now);
         }
-        return;
+        if (before->isHidden != now.isHidden) {
+            tell(now.isHidden ? ChangeKind::minimized : ChangeKind::unminimized, now);
+        }
     }
-    if (before->title != now.title) {
-        notify(ChangeKind::titled, now);
-    }
-    if (before->isMinimized != now.isMinimized) {
-        notify(now.isMinimized ? ChangeKind::minimized : ChangeKind::unminimized, now);
-    }
-    if (!before->isActivated && now.isActivated) {
-        notify(ChangeKind::activated, now);
+    if (toplevel.isActivated) {
+        bringToFront(now.window);
+        if (!wasActivated || active_ != now.window) {
+            active_ = now.window;
+            tell(ChangeKind::activated, now);
+        }
+    } else if (active_ == now.window) {
+        active_.reset();
     }
 }
 
-void WaylandWindowModel::close(Handle& handle) {
-    const auto identifier = handle.pending.identifier;
-    auto found = handles_.find(identifier);
-    if (found == handles_.end()) {
+void WaylandWindowModel::bringToFront(Handle window) {
+    auto found = std::find(order_.begin(), order_.end(), window);
+    if (found != order_.end()) {
+        std::rotate(order_.begin(), found, found + 1);
+    }
+}
+
+void WaylandWindowModel::close(Toplevel& toplevel) {
+    const auto handle = toplevel.pending.window;
+    auto found = toplevels_.find(handle);
+    if (found == toplevels_.end()) {
         return;
     }
-    // Out of the map first: a listener may look at the windows that are left.
+    ++revision_;
+    // Out of the model first: a listener may look at the windows that are left.
     auto closing = std::move(found->second);
-    handles_.erase(found);
-    if (closing->shown) {
-        notify(ChangeKind::removed, *closing->shown);
+    toplevels_.erase(found);
+    std::erase(order_, handle);
+    if (active_ == handle) {
+        active_.reset();
     }
-}
-
-void WaylandWindowModel::notify(ChangeKind kind, const Toplevel& window) {
-    for (const auto& listener : listeners_) {
-        listener(kind, window);
+    if (closing->shown) {
+        tell(ChangeKind::removed, *closing->shown);
     }
 }
 
 ProcessIdentifier WaylandWindowModel::standInFor(const std::string& appId) {
+    std::string key = "class " + appId;
+    if (auto path = entryOfClass_ ? entryOfClass_(appId, appId) : std::nullopt) {
+        key = "entry " + *path;
+    }
     const auto standIn = static_cast<ProcessIdentifier>(applicationStandIns + applications_.size());
-    return applications_.try_emplace(appId, standIn).first->second;
+    return applications_.try_emplace(std::move(key), standIn).first->second;
 }
 
-std::vector<const WaylandWindowModel::Toplevel*> WaylandWindowModel::windows() const {
-    std::vector<const Toplevel*> result;
-    for (const auto& [identifier, handle] : handles_) {
-        if (handle->shown) {
-            result.push_back(&*handle->shown);
-        }
-    }
-    return result;
+const WaylandWindowModel::Window* WaylandWindowModel::window(Handle window) const {
+    auto found = toplevels_.find(window);
+    return found != toplevels_.end() && found->second->shown ? &*found->second->shown : nullptr;
 }
 
-const WaylandWindowModel::Toplevel* WaylandWindowModel::window(WindowIdentifier identifier) const {
-    auto found = handles_.find(identifier);
-    return found != handles_.end() && found->second->shown ? &*found->second->shown : nullptr;
+WaylandWindowModel::Toplevel* WaylandWindowModel::actionable(const Window& window,
+                                                             const char* action) {
+    auto found = toplevels_.find(window.window);
+    if (found == toplevels_.end() || connection_.seat() == nullptr) {
+        log().error("window %{public}u cannot be %{public}s: %{public}s", window.window, action,
+                    found == toplevels_.end() ? "it is gone" : "the compositor offers no seat");
+        return nullptr;
+    }
+    return found->second.get();
 }
 
-std::optional<WindowIdentifier> WaylandWindowModel::activeWindow() const {
-    for (const auto& [identifier, handle] : handles_) {
-        if (handle->shown && handle->shown->isActivated) {
-            return identifier;
-        }
+void WaylandWindowModel::activate(const Window& window) {
+    auto* toplevel = actionable(window, "activated");
+    if (toplevel == nullptr) {
+        return;
     }
-    return std::nullopt;
-}
-
-bool WaylandWindowModel::activate(WindowIdentifier identifier) {
-    auto found = handles_.find(identifier);
-    if (found == handles_.end() || connection_.seat() == nullptr) {
-        log().error("window %{public}u cannot be activated: %{public}s", identifier,
-                    found == handles_.end() ? "it is gone" : "the compositor offers no seat");
-        return false;
+    if (toplevel->shown && toplevel->shown->isHidden) {
+        zwlr_foreign_toplevel_handle_v1_unset_minimized(toplevel->proxy);
     }
-    auto& handle = *found->second;
-    if (handle.shown && handle.shown->isMinimized) {
-        zwlr_foreign_toplevel_handle_v1_unset_minimized(handle.proxy);
-    }
-    zwlr_foreign_toplevel_handle_v1_activate(handle.proxy, connection_.seat());
+    zwlr_foreign_toplevel_handle_v1_activate(toplevel->proxy, connection_.seat());
     connection_.flush();
-    return true;
+}
+
+void WaylandWindowModel::setMinimized(const Window& window, bool minimized) {
+    auto* toplevel = actionable(window, minimized ? "minimized" : "restored");
+    if (toplevel == nullptr) {
+        return;
+    }
+    if (minimized) {
+        zwlr_foreign_toplevel_handle_v1_set_minimized(toplevel->proxy);
+    } else {
+        zwlr_foreign_toplevel_handle_v1_unset_minimized(toplevel->proxy);
+    }
+    connection_.flush();
 }
 
 }  // namespace orvane

@@ -1,16 +1,19 @@
 // The compositor's toplevel windows as the foreign-toplevel protocol tells them: each one's title,
-// app_id and states, changed all at once at each `done`. A window's application is its app_id,
-// with a stand-in process per app_id. Activation changes are the focus changes. Main thread only.
+// app_id and states, changed all at once at each `done`. A window's application is the desktop
+// entry its app_id matches, else the app_id, with a stand-in process for each. Activation changes
+// are the focus changes, and they order the windows: the protocol tells no stacking. Frames and
+// workspaces are not told; every window counts as on the current one. Main thread only.
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "core/Identifiers.h"
+#include "platform/linux/DesktopWindows.h"
 #include "platform/wayland/WaylandConnection.h"
 
 struct zwlr_foreign_toplevel_handle_v1;
@@ -18,56 +21,55 @@ struct zwlr_foreign_toplevel_manager_v1;
 
 namespace orvane {
 
-class WaylandWindowModel final {
+class WaylandWindowModel final : public DesktopWindows {
   public:
-    struct Toplevel {
-        // What the logic knows the window by; never handed out twice.
-        WindowIdentifier identifier = 0;
-        // The stand-in of its app_id; windows without one share one stand-in.
-        ProcessIdentifier process = 0;
-        std::string title;
-        std::string appId;
-        bool isActivated = false;
-        bool isMinimized = false;
-        bool isMaximized = false;
-        bool isFullscreen = false;
-    };
-
-    enum class ChangeKind { added, removed, activated, minimized, unminimized, titled };
-    using Listener = std::function<void(ChangeKind kind, const Toplevel& window)>;
-
-    explicit WaylandWindowModel(WaylandConnection& connection);
-    ~WaylandWindowModel();
+    explicit WaylandWindowModel(WaylandConnection& connection, EntryOfClass entryOfClass = {});
+    ~WaylandWindowModel() override;
     WaylandWindowModel(const WaylandWindowModel&) = delete;
     WaylandWindowModel& operator=(const WaylandWindowModel&) = delete;
 
-    // The windows the compositor has told of completely, in the order they came.
-    std::vector<const Toplevel*> windows() const;
-    const Toplevel* window(WindowIdentifier identifier) const;
-    std::optional<WindowIdentifier> activeWindow() const;
-    // Asks the compositor to bring the window forward, restoring it first when minimized; false
-    // when the window is gone or there is no seat to do it for.
-    bool activate(WindowIdentifier identifier);
+    // Whether the compositor tells of its windows at all.
+    bool isAvailable() const { return manager_ != nullptr; }
 
-    void addListener(Listener listener) { listeners_.push_back(std::move(listener)); }
+    // Windows the compositor has told of completely. The handle is the identifier: never handed
+    // out twice.
+    const std::vector<Handle>& frontToBack() const override { return order_; }
+    const Window* window(Handle window) const override;
+    const Window* windowOf(WindowIdentifier identifier) const override {
+        return window(identifier);
+    }
+    std::optional<Handle> activeWindow() const override { return active_; }
+    bool isOnCurrentDesktop(const Window&) const override { return true; }
+    std::uint64_t revision() const override { return revision_; }
+
+    // Restores the window first when it is minimized; the compositor switches workspace itself.
+    void activate(const Window& window) override;
+    // The protocol has no raise without the focus: left to the activation that follows.
+    void raise(const Window&) override {}
+    void setMinimized(const Window& window, bool minimized) override;
 
   private:
-    struct Handle;
+    struct Toplevel;
 
     static void toplevel(void* data, struct zwlr_foreign_toplevel_manager_v1* manager,
                          zwlr_foreign_toplevel_handle_v1* handle);
     static void finished(void* data, struct zwlr_foreign_toplevel_manager_v1* manager);
-    void commit(Handle& handle);
-    void close(Handle& handle);
-    void notify(ChangeKind kind, const Toplevel& window);
+    void commit(Toplevel& toplevel);
+    void close(Toplevel& toplevel);
+    void bringToFront(Handle window);
     ProcessIdentifier standInFor(const std::string& appId);
+    // The toplevel behind a shown window, when it is still there and there is a seat to act for.
+    Toplevel* actionable(const Window& window, const char* action);
 
     WaylandConnection& connection_;
+    EntryOfClass entryOfClass_;
     zwlr_foreign_toplevel_manager_v1* manager_ = nullptr;
-    std::map<WindowIdentifier, std::unique_ptr<Handle>> handles_;
+    std::map<Handle, std::unique_ptr<Toplevel>> toplevels_;
+    std::vector<Handle> order_;
+    std::optional<Handle> active_;
     std::map<std::string, ProcessIdentifier> applications_;
-    std::vector<Listener> listeners_;
-    WindowIdentifier nextIdentifier_ = 1;
+    Handle nextHandle_ = 1;
+    std::uint64_t revision_ = 0;
 };
 
 }  // namespace orvane

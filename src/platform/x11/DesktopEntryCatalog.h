@@ -18,6 +18,7 @@
 
 #include "launcher/ApplicationFolders.h"
 #include "platform/FileManagerPort.h"
+#include "platform/linux/DesktopEntry.h"
 #include "platform/posix/PosixFileManager.h"
 
 namespace orvane {
@@ -29,15 +30,8 @@ class DesktopEntryCatalog final : public FileManagerPort {
     // The pixel size asked of the icon theme for each of them.
     static constexpr double iconPixelSide = 128;
 
-    struct Entry {
-        std::string name;
-        // Its identifier names a theme icon or an absolute file path (see `iconName`).
-        std::optional<ImageHandle> icon;
-        std::string startupWindowClass;
-        // Whether the desktop's menu lists it: not NoDisplay, not Hidden, shown in this desktop.
-        bool isShown = false;
-        bool isHidden = false;
-    };
+    // Its icon's identifier names a theme icon or an absolute file path (see `iconName`).
+    using Entry = DesktopEntry;
 
     // `$XDG_DATA_HOME/applications`, then `applications` in each of `$XDG_DATA_DIRS`.
     static std::vector<std::string> standardDirectories();

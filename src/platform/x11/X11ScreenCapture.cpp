@@ -86,11 +86,11 @@ X11ScreenCapture::X11ScreenCapture(X11Connection& connection, X11WindowModel& mo
         damageEvent_ = damage->first_event + XCB_DAMAGE_NOTIFY;
         connection_.addListener([this](const xcb_generic_event_t& event) { handleEvent(event); });
     }
-    for (auto window : model_.stackingFrontToBack()) {
+    for (auto window : model_.frontToBack()) {
         redirect(window);
     }
     model_.addListener(
-        [this](X11WindowModel::ChangeKind kind, const X11WindowModel::ClientWindow& window) {
+        [this](X11WindowModel::ChangeKind kind, const X11WindowModel::Window& window) {
             if (kind == X11WindowModel::ChangeKind::added) {
                 redirect(window.window);
             } else if (kind == X11WindowModel::ChangeKind::removed) {
@@ -108,7 +108,7 @@ void X11ScreenCapture::getShareableContent(bool excludingDesktopWindows, bool on
                                            ShareableContentCompletion completion) {
     model_.refreshGeometry();
     ShareableContent content;
-    for (auto identifier : model_.stackingFrontToBack()) {
+    for (auto identifier : model_.frontToBack()) {
         const auto* window = model_.window(identifier);
         if (window == nullptr ||
             (excludingDesktopWindows && window->kind == X11WindowModel::Kind::desktop) ||
@@ -259,7 +259,7 @@ std::optional<ImageHandle> X11ScreenCapture::capture(WindowIdentifier identifier
 }
 
 std::optional<ImageHandle> X11ScreenCapture::lastCapture(
-    const X11WindowModel::ClientWindow& client) const {
+    const X11WindowModel::Window& client) const {
     const auto last = thumbnails_.find(client.window);
     if (last == thumbnails_.end()) {
         log().debug("no preview of window 0x%{public}x: it can't be captured now, and never was",

@@ -55,7 +55,7 @@ class X11ScreenCapture final : public ScreenCapturePort,
   private:
     std::optional<ImageHandle> capture(WindowIdentifier identifier, int width, int height);
     // The window's last capture, as a preview; nothing when it never had one.
-    std::optional<ImageHandle> lastCapture(const X11WindowModel::ClientWindow& client) const;
+    std::optional<ImageHandle> lastCapture(const X11WindowModel::Window& client) const;
     // The window manager's frame around a client: its top-level ancestor.
     std::optional<xcb_window_t> frameOf(xcb_window_t window);
     void redirect(xcb_window_t window);

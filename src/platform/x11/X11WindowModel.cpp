@@ -30,6 +30,9 @@ constexpr std::uint32_t preferredIconSide = 64;
 // beyond any process.
 constexpr std::uint32_t applicationStandIns = 0x60000000u;
 constexpr std::uint32_t clientStandIns = 0x40000000u;
+// EWMH source indication: a pager or switcher acting for the user.
+constexpr std::uint32_t sourcePager = 2;
+constexpr std::uint32_t onEveryDesktop = 0xFFFFFFFF;
 
 std::string processName(ProcessIdentifier process) {
     std::ifstream file("/proc/" + std::to_string(process) + "/comm");
@@ -51,31 +54,67 @@ X11WindowModel::X11WindowModel(X11Connection& connection, EntryOfClass entryOfCl
     reloadActive();
 }
 
-const X11WindowModel::ClientWindow* X11WindowModel::window(xcb_window_t window) const {
+const X11WindowModel::Window* X11WindowModel::window(xcb_window_t window) const {
     auto found = windows_.find(window);
     return found == windows_.end() ? nullptr : &found->second;
 }
 
-std::optional<ProcessIdentifier> X11WindowModel::frontmostProcess() const {
-    if (!active_) {
-        return std::nullopt;
-    }
-    const auto* client = window(*active_);
-    return client ? std::optional(client->process) : std::nullopt;
+bool X11WindowModel::isOnCurrentDesktop(const Window& window) const {
+    return window.desktop == onEveryDesktop || window.desktop == currentDesktop_;
 }
 
-const X11WindowModel::ClientWindow* X11WindowModel::windowOf(WindowIdentifier identifier) const {
+const X11WindowModel::Window* X11WindowModel::windowOf(WindowIdentifier identifier) const {
     const auto* found = window(identifier & ~(generationMask << generationShift));
     return found != nullptr && found->identifier == identifier ? found : nullptr;
 }
 
-void X11WindowModel::tell(ChangeKind kind, const ClientWindow& window) {
+void X11WindowModel::tell(ChangeKind kind, const Window& window) {
     if (kind == ChangeKind::removed) {
         ++removals_[window.window];
     }
-    for (const auto& listener : listeners_) {
-        listener(kind, window);
+    DesktopWindows::tell(kind, window);
+}
+
+void X11WindowModel::sendToWindowManager(xcb_window_t window, xcb_atom_t type,
+                                         std::initializer_list<std::uint32_t> data) {
+    xcb_client_message_event_t message{};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = window;
+    message.type = type;
+    std::copy(data.begin(), data.end(), message.data.data32);
+    xcb_send_event(connection_.connection(), 0, connection_.root(),
+                   XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+                   reinterpret_cast<const char*>(&message));
+}
+
+void X11WindowModel::activate(const Window& window) {
+    auto& ewmh = connection_.ewmh();
+    const auto time = connection_.lastEventTime();
+    if (!isOnCurrentDesktop(window)) {
+        sendToWindowManager(connection_.root(), ewmh._NET_CURRENT_DESKTOP, {window.desktop, time});
     }
+    sendToWindowManager(window.window, ewmh._NET_ACTIVE_WINDOW,
+                        {sourcePager, time, active_.value_or(XCB_NONE)});
+    connection_.flush();
+}
+
+void X11WindowModel::raise(const Window& window) {
+    constexpr std::uint32_t above = 0;
+    sendToWindowManager(window.window, connection_.ewmh()._NET_RESTACK_WINDOW,
+                        {sourcePager, XCB_NONE, above});
+    connection_.flush();
+}
+
+void X11WindowModel::setMinimized(const Window& window, bool minimized) {
+    if (minimized) {
+        constexpr std::uint32_t iconicState = 3;
+        sendToWindowManager(window.window, connection_.atom("WM_CHANGE_STATE"), {iconicState});
+    } else {
+        // Mapping an iconic window asks the window manager to restore it.
+        xcb_map_window(connection_.connection(), window.window);
+    }
+    connection_.flush();
 }
 
 void X11WindowModel::handleEvent(const xcb_generic_event_t& event) {
@@ -177,7 +216,7 @@ void X11WindowModel::reloadStacking() {
             unlisted.push_back(window);
         }
     }
-    std::vector<ClientWindow> removed;
+    std::vector<Window> removed;
     for (auto window : unlisted) {
         if (!isStillManaged(window)) {
             removed.push_back(windows_.at(window));
@@ -252,8 +291,8 @@ std::optional<ProcessIdentifier> X11WindowModel::processFromResources(xcb_window
     return process;
 }
 
-X11WindowModel::ClientWindow X11WindowModel::read(xcb_window_t window) {
-    ClientWindow client;
+X11WindowModel::Window X11WindowModel::read(xcb_window_t window) {
+    Window client;
     client.window = window;
     const auto removals = removals_.find(window);
     client.identifier =
@@ -278,7 +317,7 @@ X11WindowModel::ClientWindow X11WindowModel::read(xcb_window_t window) {
     return client;
 }
 
-ProcessIdentifier X11WindowModel::applicationOf(const ClientWindow& client) {
+ProcessIdentifier X11WindowModel::applicationOf(const Window& client) {
     if (client.owner == static_cast<ProcessIdentifier>(getpid())) {
         return *client.owner;
     }
@@ -299,7 +338,7 @@ ProcessIdentifier X11WindowModel::applicationOf(const ClientWindow& client) {
     return applications_.try_emplace(std::move(key), standIn).first->second;
 }
 
-void X11WindowModel::reloadProperty(ClientWindow& client, xcb_atom_t atom) {
+void X11WindowModel::reloadProperty(Window& client, xcb_atom_t atom) {
     auto& ewmh = connection_.ewmh();
     if (atom == ewmh._NET_WM_ICON) {
         ++revision_;
@@ -398,7 +437,7 @@ void X11WindowModel::reloadProperty(ClientWindow& client, xcb_atom_t atom) {
     }
 }
 
-void X11WindowModel::readIcon(ClientWindow& client) {
+void X11WindowModel::readIcon(Window& client) {
     // Enough for a 512 by 512 icon and a few smaller ones; a longer property is read in part.
     auto property = connection_.property(
         connection_.requestProperty(client.window, connection_.ewmh()._NET_WM_ICON, 400000));

@@ -1,17 +1,17 @@
-#include "platform/x11/X11WindowList.h"
+#include "platform/linux/LinuxWindowList.h"
 
 namespace orvane {
 
 namespace {
 
 // Normal windows sit on layer 0; the others above or below it, as their kind would on any desktop.
-std::int64_t layer(X11WindowModel::Kind kind) {
+std::int64_t layer(DesktopWindows::Kind kind) {
     switch (kind) {
-        case X11WindowModel::Kind::dock:
+        case DesktopWindows::Kind::dock:
             return 20;
-        case X11WindowModel::Kind::notification:
+        case DesktopWindows::Kind::notification:
             return 25;
-        case X11WindowModel::Kind::desktop:
+        case DesktopWindows::Kind::desktop:
             return -2147483623;
         default:
             return 0;
@@ -20,23 +20,21 @@ std::int64_t layer(X11WindowModel::Kind kind) {
 
 }  // namespace
 
-std::optional<PropertyListValue> X11WindowList::copyWindowInfo(std::uint32_t options,
-                                                               WindowIdentifier) {
+std::optional<PropertyListValue> LinuxWindowList::copyWindowInfo(std::uint32_t options,
+                                                                 WindowIdentifier) {
     model_.refreshGeometry();
     const bool onScreenOnly = (options & window_list_option::onScreenOnly) != 0;
     const bool excludeDesktop = (options & window_list_option::excludeDesktopElements) != 0;
     PropertyListValue::Array entries;
     // Every gesture reads the list twice: no growing on the way.
-    entries.reserve(model_.stackingFrontToBack().size());
-    for (auto identifier : model_.stackingFrontToBack()) {
+    entries.reserve(model_.frontToBack().size());
+    for (auto identifier : model_.frontToBack()) {
         const auto* window = model_.window(identifier);
         if (window == nullptr ||
-            (excludeDesktop && window->kind == X11WindowModel::Kind::desktop)) {
+            (excludeDesktop && window->kind == DesktopWindows::Kind::desktop)) {
             continue;
         }
-        const bool onCurrentDesktop =
-            window->desktop == 0xFFFFFFFF || window->desktop == model_.currentDesktop();
-        if (onScreenOnly && (window->isHidden || !onCurrentDesktop)) {
+        if (onScreenOnly && (window->isHidden || !model_.isOnCurrentDesktop(*window))) {
             continue;
         }
         PropertyListValue::Dictionary dictionary;

@@ -1,15 +1,15 @@
-#include "platform/x11/X11Accessibility.h"
+#include "platform/linux/LinuxAccessibility.h"
 
 #include <algorithm>
 #include <string>
 #include <utility>
 
 #include "core/Logger.h"
-#include "platform/x11/X11AccessibilityElement.h"
+#include "platform/linux/LinuxAccessibilityElement.h"
 
 namespace orvane {
 
-class X11Accessibility::Observer final : public AccessibilityObserverObject {
+class LinuxAccessibility::Observer final : public AccessibilityObserverObject {
   public:
     Observer(ProcessIdentifier process, ObserverCallback callback)
         : process(process), callback(std::move(callback)) {}
@@ -25,25 +25,21 @@ constexpr std::string_view supportedNotifications[] = {
     "AXFocusedWindowChanged", "AXApplicationActivated", "AXWindowCreated",
     "AXUIElementDestroyed",   "AXWindowMiniaturized",   "AXWindowDeminiaturized"};
 
-// EWMH source indication: a pager or switcher acting for the user.
-constexpr std::uint32_t sourcePager = 2;
-constexpr std::uint32_t onEveryDesktop = 0xFFFFFFFF;
-
-const X11AccessibilityElement* x11Element(const AccessibilityElementHandle& element) {
-    return dynamic_cast<const X11AccessibilityElement*>(element.get());
+const LinuxAccessibilityElement* ourElement(const AccessibilityElementHandle& element) {
+    return dynamic_cast<const LinuxAccessibilityElement*>(element.get());
 }
 
 AccessibilityPort::AttributeReading answer(AccessibilityValue value) {
     return {accessibility_error::success, std::move(value)};
 }
 
-const char* subrole(X11WindowModel::Kind kind) {
+const char* subrole(DesktopWindows::Kind kind) {
     switch (kind) {
-        case X11WindowModel::Kind::normal:
+        case DesktopWindows::Kind::normal:
             return "AXStandardWindow";
-        case X11WindowModel::Kind::dialog:
+        case DesktopWindows::Kind::dialog:
             return "AXDialog";
-        case X11WindowModel::Kind::utility:
+        case DesktopWindows::Kind::utility:
             return "AXFloatingWindow";
         default:
             return "AXUnknown";
@@ -52,42 +48,38 @@ const char* subrole(X11WindowModel::Kind kind) {
 
 }  // namespace
 
-X11Accessibility::X11Accessibility(X11Connection& connection, X11WindowModel& model,
-                                   std::shared_ptr<RunLoopPort> runLoop)
-    : connection_(connection),
-      model_(model),
-      runLoop_(std::move(runLoop)),
-      frontmostProcess_(model.frontmostProcess()) {
+LinuxAccessibility::LinuxAccessibility(DesktopWindows& model, std::shared_ptr<RunLoopPort> runLoop)
+    : model_(model), runLoop_(std::move(runLoop)), frontmostProcess_(model.frontmostProcess()) {
     model_.addListener(
-        [this](X11WindowModel::ChangeKind kind, const X11WindowModel::ClientWindow& window) {
+        [this](DesktopWindows::ChangeKind kind, const DesktopWindows::Window& window) {
             modelChanged(kind, window);
         });
 }
 
-const X11WindowModel::ClientWindow* X11Accessibility::client(
+const DesktopWindows::Window* LinuxAccessibility::client(
     const AccessibilityElementHandle& element) const {
-    const auto* x11 = x11Element(element);
-    if (x11 == nullptr || x11->isApplication()) {
+    const auto* ours = ourElement(element);
+    if (ours == nullptr || ours->isApplication()) {
         return nullptr;
     }
-    const auto* window = model_.window(x11->window());
-    return window != nullptr && window->process == x11->process() ? window : nullptr;
+    const auto* window = model_.window(ours->window());
+    return window != nullptr && window->process == ours->process() ? window : nullptr;
 }
 
-AccessibilityPort::AttributeReading X11Accessibility::copyAttributeValue(
+AccessibilityPort::AttributeReading LinuxAccessibility::copyAttributeValue(
     const AccessibilityElementHandle& element, std::string_view attribute) const {
-    const auto* x11 = x11Element(element);
-    if (x11 == nullptr) {
+    const auto* ours = ourElement(element);
+    if (ours == nullptr) {
         return {accessibility_error::illegalArgument, {}};
     }
-    if (x11->isApplication()) {
+    if (ours->isApplication()) {
         if (attribute == "AXWindows") {
             AccessibilityValue::Array windows;
-            for (auto window : model_.stackingFrontToBack()) {
+            for (auto window : model_.frontToBack()) {
                 const auto* candidate = model_.window(window);
-                if (candidate != nullptr && candidate->process == x11->process()) {
+                if (candidate != nullptr && candidate->process == ours->process()) {
                     windows.emplace_back().storage = AccessibilityElementHandle(
-                        std::make_shared<X11AccessibilityElement>(x11->process(), window));
+                        std::make_shared<LinuxAccessibilityElement>(ours->process(), window));
                 }
             }
             return answer(AccessibilityValue{std::move(windows)});
@@ -95,11 +87,11 @@ AccessibilityPort::AttributeReading X11Accessibility::copyAttributeValue(
         if (attribute == "AXFocusedWindow") {
             const auto active = model_.activeWindow();
             const auto* window = active ? model_.window(*active) : nullptr;
-            if (window == nullptr || window->process != x11->process()) {
+            if (window == nullptr || window->process != ours->process()) {
                 return {accessibility_error::noValue, {}};
             }
             return answer(AccessibilityValue{AccessibilityElementHandle(
-                std::make_shared<X11AccessibilityElement>(x11->process(), *active))});
+                std::make_shared<LinuxAccessibilityElement>(ours->process(), *active))});
         }
         return {accessibility_error::attributeUnsupported, {}};
     }
@@ -126,51 +118,26 @@ AccessibilityPort::AttributeReading X11Accessibility::copyAttributeValue(
     return {accessibility_error::attributeUnsupported, {}};
 }
 
-void X11Accessibility::sendToWindowManager(xcb_window_t window, xcb_atom_t type,
-                                           std::initializer_list<std::uint32_t> data) {
-    xcb_client_message_event_t message{};
-    message.response_type = XCB_CLIENT_MESSAGE;
-    message.format = 32;
-    message.window = window;
-    message.type = type;
-    std::copy(data.begin(), data.end(), message.data.data32);
-    xcb_send_event(connection_.connection(), 0, connection_.root(),
-                   XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
-                   reinterpret_cast<const char*>(&message));
-}
-
-AccessibilityError X11Accessibility::setAttributeValue(const AccessibilityElementHandle& element,
-                                                       std::string_view attribute,
-                                                       const AccessibilityValue& value) {
+AccessibilityError LinuxAccessibility::setAttributeValue(const AccessibilityElementHandle& element,
+                                                         std::string_view attribute,
+                                                         const AccessibilityValue& value) {
     const auto* window = client(element);
     if (window == nullptr) {
-        return x11Element(element) ? accessibility_error::invalidElement
+        return ourElement(element) ? accessibility_error::invalidElement
                                    : accessibility_error::illegalArgument;
     }
     const auto* flag = std::get_if<bool>(&value.storage);
     if (flag == nullptr) {
         return accessibility_error::illegalArgument;
     }
-    auto& ewmh = connection_.ewmh();
-    const auto time = connection_.lastEventTime();
     if (attribute == "AXMinimized") {
-        if (*flag) {
-            constexpr std::uint32_t iconicState = 3;
-            sendToWindowManager(window->window, connection_.atom("WM_CHANGE_STATE"), {iconicState});
-        } else {
-            // Mapping an iconic window asks the window manager to restore it.
-            xcb_map_window(connection_.connection(), window->window);
-        }
+        model_.setMinimized(*window, *flag);
     } else if (attribute == "AXMain") {
         if (!*flag) {
             return accessibility_error::success;
         }
-        if (window->desktop != onEveryDesktop && window->desktop != model_.currentDesktop()) {
-            sendToWindowManager(connection_.root(), ewmh._NET_CURRENT_DESKTOP,
-                                {window->desktop, time});
-        }
-        const auto active = model_.activeWindow().value_or(XCB_NONE);
-        sendToWindowManager(window->window, ewmh._NET_ACTIVE_WINDOW, {sourcePager, time, active});
+        const auto active = model_.activeWindow();
+        model_.activate(*window);
         if (window->window != active) {
             awaitActivation(window->window);
         }
@@ -180,15 +147,14 @@ AccessibilityError X11Accessibility::setAttributeValue(const AccessibilityElemen
     } else {
         return accessibility_error::attributeUnsupported;
     }
-    connection_.flush();
     return accessibility_error::success;
 }
 
-AccessibilityError X11Accessibility::performAction(const AccessibilityElementHandle& element,
-                                                   std::string_view action) {
+AccessibilityError LinuxAccessibility::performAction(const AccessibilityElementHandle& element,
+                                                     std::string_view action) {
     const auto* window = client(element);
     if (window == nullptr) {
-        return x11Element(element) ? accessibility_error::invalidElement
+        return ourElement(element) ? accessibility_error::invalidElement
                                    : accessibility_error::illegalArgument;
     }
     if (action != "AXRaise") {
@@ -205,19 +171,15 @@ AccessibilityError X11Accessibility::performAction(const AccessibilityElementHan
     return accessibility_error::success;
 }
 
-void X11Accessibility::sendPendingRaise() {
-    if (!pendingRaise_ || model_.window(*pendingRaise_) == nullptr) {
-        pendingRaise_.reset();
-        return;
-    }
-    constexpr std::uint32_t above = 0;
-    sendToWindowManager(*pendingRaise_, connection_.ewmh()._NET_RESTACK_WINDOW,
-                        {sourcePager, XCB_NONE, above});
+void LinuxAccessibility::sendPendingRaise() {
+    const auto* window = pendingRaise_ ? model_.window(*pendingRaise_) : nullptr;
     pendingRaise_.reset();
-    connection_.flush();
+    if (window != nullptr) {
+        model_.raise(*window);
+    }
 }
 
-void X11Accessibility::awaitActivation(xcb_window_t window) {
+void LinuxAccessibility::awaitActivation(DesktopWindows::Handle window) {
     awaitedActivation_ = window;
     if (!activationPatience_) {
         activationPatience_ = runLoop_->scheduleTimer(0.1, false, 0.01, [weak = weak_from_this()] {
@@ -229,7 +191,7 @@ void X11Accessibility::awaitActivation(xcb_window_t window) {
     }
 }
 
-void X11Accessibility::whenActivationAnswered(std::function<void()> then) {
+void LinuxAccessibility::whenActivationAnswered(std::function<void()> then) {
     if (awaitedActivation_) {
         afterActivation_.push_back(std::move(then));
     } else {
@@ -237,7 +199,7 @@ void X11Accessibility::whenActivationAnswered(std::function<void()> then) {
     }
 }
 
-void X11Accessibility::activationAnswered() {
+void LinuxAccessibility::activationAnswered() {
     awaitedActivation_.reset();
     if (activationPatience_) {
         runLoop_->cancelTimer(*activationPatience_);
@@ -248,38 +210,38 @@ void X11Accessibility::activationAnswered() {
     }
 }
 
-AccessibilityElementHandle X11Accessibility::createApplicationElement(ProcessIdentifier process) {
-    return std::make_shared<X11AccessibilityElement>(process, 0);
+AccessibilityElementHandle LinuxAccessibility::createApplicationElement(ProcessIdentifier process) {
+    return std::make_shared<LinuxAccessibilityElement>(process, 0);
 }
 
-AccessibilityError X11Accessibility::setMessagingTimeout(const AccessibilityElementHandle& element,
-                                                         float) {
+AccessibilityError LinuxAccessibility::setMessagingTimeout(
+    const AccessibilityElementHandle& element, float) {
     // Answers come from the model, never from the client, so no client can make a call hang.
-    return x11Element(element) ? accessibility_error::success
+    return ourElement(element) ? accessibility_error::success
                                : accessibility_error::illegalArgument;
 }
 
-AccessibilityPort::ProcessReading X11Accessibility::processIdentifier(
+AccessibilityPort::ProcessReading LinuxAccessibility::processIdentifier(
     const AccessibilityElementHandle& element) const {
-    const auto* x11 = x11Element(element);
-    if (x11 == nullptr) {
+    const auto* ours = ourElement(element);
+    if (ours == nullptr) {
         return {accessibility_error::illegalArgument, 0};
     }
-    return {accessibility_error::success, x11->process()};
+    return {accessibility_error::success, ours->process()};
 }
 
-AccessibilityPort::ObserverCreation X11Accessibility::createObserver(ProcessIdentifier process,
-                                                                     ObserverCallback callback) {
+AccessibilityPort::ObserverCreation LinuxAccessibility::createObserver(ProcessIdentifier process,
+                                                                       ObserverCallback callback) {
     auto observer = std::make_shared<Observer>(process, std::move(callback));
     std::erase_if(observers_, [](const auto& weak) { return weak.expired(); });
     observers_.push_back(observer);
     return {accessibility_error::success, observer};
 }
 
-AccessibilityError X11Accessibility::addNotification(const AccessibilityObserverHandle& observer,
-                                                     const AccessibilityElementHandle&,
-                                                     std::string_view notification,
-                                                     void* reference) {
+AccessibilityError LinuxAccessibility::addNotification(const AccessibilityObserverHandle& observer,
+                                                       const AccessibilityElementHandle&,
+                                                       std::string_view notification,
+                                                       void* reference) {
     auto* ours = dynamic_cast<Observer*>(observer.get());
     if (ours == nullptr) {
         return accessibility_error::invalidObserver;
@@ -297,9 +259,9 @@ AccessibilityError X11Accessibility::addNotification(const AccessibilityObserver
     return accessibility_error::success;
 }
 
-AccessibilityError X11Accessibility::removeNotification(const AccessibilityObserverHandle& observer,
-                                                        const AccessibilityElementHandle&,
-                                                        std::string_view notification) {
+AccessibilityError LinuxAccessibility::removeNotification(
+    const AccessibilityObserverHandle& observer, const AccessibilityElementHandle&,
+    std::string_view notification) {
     auto* ours = dynamic_cast<Observer*>(observer.get());
     if (ours == nullptr) {
         return accessibility_error::invalidObserver;
@@ -310,14 +272,14 @@ AccessibilityError X11Accessibility::removeNotification(const AccessibilityObser
                        : accessibility_error::notificationNotRegistered;
 }
 
-RunLoopSourceHandle X11Accessibility::observerRunLoopSource(
+RunLoopSourceHandle LinuxAccessibility::observerRunLoopSource(
     const AccessibilityObserverHandle& observer) {
-    // Notifications come through the connection's descriptor, which the event loop reads anyway.
+    // Notifications come with the desktop's own events, which the event loop reads anyway.
     return reinterpret_cast<RunLoopSourceHandle>(observer.get());
 }
 
-void X11Accessibility::notify(ProcessIdentifier process, xcb_window_t window,
-                              std::string_view notification) {
+void LinuxAccessibility::notify(ProcessIdentifier process, DesktopWindows::Handle window,
+                                std::string_view notification) {
     // Fixed first: a callback may create or drop observers.
     std::vector<std::shared_ptr<Observer>> receivers;
     for (const auto& weak : observers_) {
@@ -325,7 +287,8 @@ void X11Accessibility::notify(ProcessIdentifier process, xcb_window_t window,
             receivers.push_back(std::move(observer));
         }
     }
-    AccessibilityElementHandle element = std::make_shared<X11AccessibilityElement>(process, window);
+    AccessibilityElementHandle element =
+        std::make_shared<LinuxAccessibilityElement>(process, window);
     for (const auto& observer : receivers) {
         for (const auto& [name, reference] : observer->registrations) {
             if (name == notification) {
@@ -338,9 +301,9 @@ void X11Accessibility::notify(ProcessIdentifier process, xcb_window_t window,
     }
 }
 
-void X11Accessibility::modelChanged(X11WindowModel::ChangeKind kind,
-                                    const X11WindowModel::ClientWindow& window) {
-    using Kind = X11WindowModel::ChangeKind;
+void LinuxAccessibility::modelChanged(DesktopWindows::ChangeKind kind,
+                                      const DesktopWindows::Window& window) {
+    using Kind = DesktopWindows::ChangeKind;
     switch (kind) {
         case Kind::added:
             notify(window.process, window.window, "AXWindowCreated");

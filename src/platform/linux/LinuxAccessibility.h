@@ -1,7 +1,7 @@
-// The Accessibility port over EWMH and ICCCM: applications are processes with client windows,
-// their windows' attributes come from the window model, and the actions are requests to the
-// window manager (raise, activate on the window's desktop, minimize and restore). Notifications
-// follow the model's changes.
+// The Accessibility port over the desktop's window model: applications are the model's
+// applications with client windows, their windows' attributes come from the model, and the
+// actions are the model's requests to the desktop (raise, activate on the window's desktop,
+// minimize and restore). Notifications follow the model's changes.
 #pragma once
 
 #include <functional>
@@ -11,17 +11,15 @@
 
 #include "platform/AccessibilityPort.h"
 #include "platform/RunLoopPort.h"
-#include "platform/x11/X11Connection.h"
-#include "platform/x11/X11WindowModel.h"
+#include "platform/linux/DesktopWindows.h"
 
 namespace orvane {
 
 // Must be held by a std::shared_ptr: a raise waits on the run loop, holding it weakly.
-class X11Accessibility final : public AccessibilityPort,
-                               public std::enable_shared_from_this<X11Accessibility> {
+class LinuxAccessibility final : public AccessibilityPort,
+                                 public std::enable_shared_from_this<LinuxAccessibility> {
   public:
-    X11Accessibility(X11Connection& connection, X11WindowModel& model,
-                     std::shared_ptr<RunLoopPort> runLoop);
+    LinuxAccessibility(DesktopWindows& model, std::shared_ptr<RunLoopPort> runLoop);
 
     AttributeReading copyAttributeValue(const AccessibilityElementHandle& element,
                                         std::string_view attribute) const override;
@@ -43,7 +41,7 @@ class X11Accessibility final : public AccessibilityPort,
                                           std::string_view notification) override;
     RunLoopSourceHandle observerRunLoopSource(const AccessibilityObserverHandle& observer) override;
 
-    // Calls `then` once the window manager has answered the last activation asked of it (the
+    // Calls `then` once the desktop has answered the last activation asked of it (the
     // active window changed, or the window went), or has had a tenth of a second to; at once when
     // no activation is outstanding.
     void whenActivationAnswered(std::function<void()> then);
@@ -52,26 +50,24 @@ class X11Accessibility final : public AccessibilityPort,
     class Observer;
 
     // The model's window behind a window element of that process; null when it is gone.
-    const X11WindowModel::ClientWindow* client(const AccessibilityElementHandle& element) const;
-    void modelChanged(X11WindowModel::ChangeKind kind, const X11WindowModel::ClientWindow& window);
-    void notify(ProcessIdentifier process, xcb_window_t window, std::string_view notification);
-    void sendToWindowManager(xcb_window_t window, xcb_atom_t type,
-                             std::initializer_list<std::uint32_t> data);
+    const DesktopWindows::Window* client(const AccessibilityElementHandle& element) const;
+    void modelChanged(DesktopWindows::ChangeKind kind, const DesktopWindows::Window& window);
+    void notify(ProcessIdentifier process, DesktopWindows::Handle window,
+                std::string_view notification);
 
     void sendPendingRaise();
-    void awaitActivation(xcb_window_t window);
+    void awaitActivation(DesktopWindows::Handle window);
     void activationAnswered();
 
-    X11Connection& connection_;
-    X11WindowModel& model_;
+    DesktopWindows& model_;
     std::shared_ptr<RunLoopPort> runLoop_;
     // A raise is sent once the current work is done, and not at all when the same window is
-    // activated meanwhile: activation raises it anyway, and one request reaches the window
-    // manager sooner than two.
-    std::optional<xcb_window_t> pendingRaise_;
+    // activated meanwhile: activation raises it anyway, and one request reaches the desktop
+    // sooner than two.
+    std::optional<DesktopWindows::Handle> pendingRaise_;
     std::vector<std::weak_ptr<Observer>> observers_;
     std::optional<ProcessIdentifier> frontmostProcess_;
-    std::optional<xcb_window_t> awaitedActivation_;
+    std::optional<DesktopWindows::Handle> awaitedActivation_;
     std::vector<std::function<void()>> afterActivation_;
     std::optional<TimerToken> activationPatience_;
 };

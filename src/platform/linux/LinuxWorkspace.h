@@ -6,22 +6,28 @@
 // before the Accessibility port, so that it hears first.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
+#include <string_view>
 
 #include "platform/NotificationCenterPort.h"
 #include "platform/WorkspacePort.h"
-#include "platform/x11/DesktopEntryCatalog.h"
-#include "platform/x11/X11WindowModel.h"
+#include "platform/linux/DesktopEntry.h"
+#include "platform/linux/DesktopWindows.h"
 
 namespace orvane {
 
-class X11Workspace final : public WorkspacePort {
+class LinuxWorkspace final : public WorkspacePort {
   public:
+    // The desktop entry a window of this class (instance, class) belongs to; null for none.
+    using EntryOfClass =
+        std::function<const DesktopEntry*(std::string_view instance, std::string_view windowClass)>;
+
     // Without `entries`, names and icons come from the windows alone.
-    X11Workspace(X11WindowModel& model, std::shared_ptr<NotificationCenterPort> notifications,
-                 DesktopEntryCatalog* entries = nullptr);
+    LinuxWorkspace(DesktopWindows& model, std::shared_ptr<NotificationCenterPort> notifications,
+                   EntryOfClass entries = {});
 
     // Ordered by each application's front-most window.
     std::vector<RunningApplication> runningApplications() const override;
@@ -39,13 +45,13 @@ class X11Workspace final : public WorkspacePort {
   private:
     // The record of a running process, before any of its windows is looked at.
     RunningApplication application(ProcessIdentifier process) const;
-    void absorb(RunningApplication& application, const X11WindowModel::ClientWindow& window) const;
-    void modelChanged(X11WindowModel::ChangeKind kind, const X11WindowModel::ClientWindow& window);
+    void absorb(RunningApplication& application, const DesktopWindows::Window& window) const;
+    void modelChanged(DesktopWindows::ChangeKind kind, const DesktopWindows::Window& window);
     void post(const char* name, const RunningApplication& application);
 
-    X11WindowModel& model_;
+    DesktopWindows& model_;
     std::shared_ptr<NotificationCenterPort> notifications_;
-    DesktopEntryCatalog* entries_;
+    EntryOfClass entries_;
     std::map<ProcessIdentifier, Date> launchDates_;
     std::optional<ProcessIdentifier> frontmost_;
 };

@@ -2,21 +2,20 @@
 // one of its client windows. Equal elements name the same thing.
 #pragma once
 
-#include <xcb/xcb.h>
-
 #include "core/Identifiers.h"
 #include "platform/AccessibilityElementObject.h"
+#include "platform/linux/DesktopWindows.h"
 
 namespace orvane {
 
-class X11AccessibilityElement final : public AccessibilityElementObject {
+class LinuxAccessibilityElement final : public AccessibilityElementObject {
   public:
     // A window of 0 is the application element.
-    X11AccessibilityElement(ProcessIdentifier process, xcb_window_t window)
+    LinuxAccessibilityElement(ProcessIdentifier process, DesktopWindows::Handle window)
         : process_(process), window_(window) {}
 
     bool isEqualTo(const AccessibilityElementObject& other) const override {
-        const auto* element = dynamic_cast<const X11AccessibilityElement*>(&other);
+        const auto* element = dynamic_cast<const LinuxAccessibilityElement*>(&other);
         return element != nullptr && element->process_ == process_ && element->window_ == window_;
     }
     std::size_t hashValue() const override {
@@ -24,12 +23,12 @@ class X11AccessibilityElement final : public AccessibilityElementObject {
     }
 
     ProcessIdentifier process() const { return process_; }
-    xcb_window_t window() const { return window_; }
+    DesktopWindows::Handle window() const { return window_; }
     bool isApplication() const { return window_ == 0; }
 
   private:
     ProcessIdentifier process_;
-    xcb_window_t window_;
+    DesktopWindows::Handle window_;
 };
 
 }  // namespace orvane

@@ -1,4 +1,4 @@
-#include "platform/x11/X11Workspace.h"
+#include "platform/linux/LinuxWorkspace.h"
 
 #include <algorithm>
 #include <chrono>
@@ -18,25 +18,25 @@ Date now() {
 
 }  // namespace
 
-X11Workspace::X11Workspace(X11WindowModel& model,
-                           std::shared_ptr<NotificationCenterPort> notifications,
-                           DesktopEntryCatalog* entries)
+LinuxWorkspace::LinuxWorkspace(DesktopWindows& model,
+                               std::shared_ptr<NotificationCenterPort> notifications,
+                               EntryOfClass entries)
     : model_(model),
       notifications_(std::move(notifications)),
-      entries_(entries),
+      entries_(std::move(entries)),
       frontmost_(model.frontmostProcess()) {
-    for (auto window : model_.stackingFrontToBack()) {
+    for (auto window : model_.frontToBack()) {
         if (const auto* client = model_.window(window)) {
             launchDates_.emplace(client->process, now());
         }
     }
     model_.addListener(
-        [this](X11WindowModel::ChangeKind kind, const X11WindowModel::ClientWindow& window) {
+        [this](DesktopWindows::ChangeKind kind, const DesktopWindows::Window& window) {
             modelChanged(kind, window);
         });
 }
 
-RunningApplication X11Workspace::application(ProcessIdentifier process) const {
+RunningApplication LinuxWorkspace::application(ProcessIdentifier process) const {
     RunningApplication application;
     application.processIdentifier = process;
     application.activationPolicy = ApplicationActivationPolicy::regular;
@@ -46,8 +46,8 @@ RunningApplication X11Workspace::application(ProcessIdentifier process) const {
     return application;
 }
 
-void X11Workspace::absorb(RunningApplication& application,
-                          const X11WindowModel::ClientWindow& window) const {
+void LinuxWorkspace::absorb(RunningApplication& application,
+                            const DesktopWindows::Window& window) const {
     // The first icon read of the application's windows draws it, so that its cards keep their icon
     // when another of its windows comes to the front.
     if (window.iconWidth > 0 &&
@@ -62,9 +62,7 @@ void X11Workspace::absorb(RunningApplication& application,
     if (application.localizedName && application.icon) {
         return;
     }
-    const auto* entry = entries_ != nullptr ? entries_->entryForWindowClass(window.windowInstance,
-                                                                            window.windowClass)
-                                            : nullptr;
+    const auto* entry = entries_ ? entries_(window.windowInstance, window.windowClass) : nullptr;
     // The front-most window that has one gives the name; a matching desktop entry names the
     // application as the menu does, and draws it when no window has an icon of its own. Its
     // icon's identifier is above any window's.
@@ -80,10 +78,10 @@ void X11Workspace::absorb(RunningApplication& application,
     }
 }
 
-std::optional<RunningApplication> X11Workspace::runningApplication(
+std::optional<RunningApplication> LinuxWorkspace::runningApplication(
     ProcessIdentifier process) const {
     std::optional<RunningApplication> found;
-    for (auto identifier : model_.stackingFrontToBack()) {
+    for (auto identifier : model_.frontToBack()) {
         const auto* window = model_.window(identifier);
         if (window == nullptr || window->process != process) {
             continue;
@@ -96,12 +94,12 @@ std::optional<RunningApplication> X11Workspace::runningApplication(
     return found;
 }
 
-std::vector<RunningApplication> X11Workspace::runningApplications() const {
+std::vector<RunningApplication> LinuxWorkspace::runningApplications() const {
     // By each application's front-most window: windows that no focus has ordered yet then follow
     // the stacking, the best guess of recency there is when the program starts on a busy desktop.
     std::vector<RunningApplication> applications;
     std::map<ProcessIdentifier, std::size_t> positions;
-    for (auto identifier : model_.stackingFrontToBack()) {
+    for (auto identifier : model_.frontToBack()) {
         const auto* window = model_.window(identifier);
         if (window == nullptr) {
             continue;
@@ -115,17 +113,17 @@ std::vector<RunningApplication> X11Workspace::runningApplications() const {
     return applications;
 }
 
-std::optional<RunningApplication> X11Workspace::frontmostApplication() const {
+std::optional<RunningApplication> LinuxWorkspace::frontmostApplication() const {
     const auto process = model_.frontmostProcess();
     return process ? runningApplication(*process) : std::nullopt;
 }
 
-bool X11Workspace::activateApplication(ProcessIdentifier process, unsigned) {
+bool LinuxWorkspace::activateApplication(ProcessIdentifier process, unsigned) {
     return runningApplication(process).has_value();
 }
 
-const std::vector<std::uint32_t>* X11Workspace::iconPixels(std::uint64_t identifier) const {
-    for (auto window : model_.stackingFrontToBack()) {
+const std::vector<std::uint32_t>* LinuxWorkspace::iconPixels(std::uint64_t identifier) const {
+    for (auto window : model_.frontToBack()) {
         const auto* client = model_.window(window);
         if (client != nullptr && client->iconGeneration == identifier &&
             !client->iconPixels.empty()) {
@@ -135,15 +133,15 @@ const std::vector<std::uint32_t>* X11Workspace::iconPixels(std::uint64_t identif
     return nullptr;
 }
 
-void X11Workspace::post(const char* name, const RunningApplication& application) {
+void LinuxWorkspace::post(const char* name, const RunningApplication& application) {
     // At once, not later: an application's launch must be heard before the focus notices about
     // its windows that the same batch of events brings.
     notifications_->postNotification(PlatformNotification{name, application});
 }
 
-void X11Workspace::modelChanged(X11WindowModel::ChangeKind kind,
-                                const X11WindowModel::ClientWindow& window) {
-    using Kind = X11WindowModel::ChangeKind;
+void LinuxWorkspace::modelChanged(DesktopWindows::ChangeKind kind,
+                                  const DesktopWindows::Window& window) {
+    using Kind = DesktopWindows::ChangeKind;
     if (kind == Kind::added && !launchDates_.contains(window.process)) {
         launchDates_.emplace(window.process, now());
         if (auto application = runningApplication(window.process)) {
