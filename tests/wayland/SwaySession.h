@@ -25,6 +25,7 @@ class SwaySession {
     const std::string& problem() const { return problem_; }
     // WAYLAND_DISPLAY for a client: the socket's full path.
     const std::string& display() const { return display_; }
+    const std::string& ipcSocket() const { return ipcSocket_; }
 
     // A foot window with this title and app_id, once sway lists it.
     pid_t startClient(const std::string& title, const std::string& appId);

@@ -13,6 +13,8 @@
 #include <vector>
 
 #include "SwaySession.h"
+#include "platform/wayland/SwayIpc.h"
+#include "platform/wayland/SwayTree.h"
 #include "platform/wayland/WaylandConnection.h"
 #include "platform/wayland/WaylandWindowModel.h"
 
@@ -56,6 +58,10 @@ TEST(WaylandWindowModelTest, FollowsSwaysWindowsTheirFocusAndActivatesThem) {
     auto one = sway.startClient("One", "orvane.one");
     auto two = sway.startClient("Two", "orvane.two");
     auto three = sway.startClient("Three", "orvane.two");
+    // A history from before Orvane: One was focused after Two, and Two went to workspace 2.
+    sway.swaymsg({"[title=\"^One$\"]", "focus"});
+    sway.swaymsg({"[title=\"^Two$\"]", "move", "to", "workspace", "2"});
+    sway.swaymsg({"[title=\"^Three$\"]", "focus"});
     ASSERT_EQ(sway.focusedTitle(), "Three");
 
     auto connection = WaylandConnection::connect(sway.display().c_str());
@@ -67,9 +73,15 @@ TEST(WaylandWindowModelTest, FollowsSwaysWindowsTheirFocusAndActivatesThem) {
     model.addListener(
         [&](auto kind, const auto& window) { changes.emplace_back(kind, window.title); });
 
-    // The windows there before the model are all told, with their application and focus; the
-    // focused one first.
+    // The windows there before the model are all told, with their application and focus, and
+    // sway's tree tells the focus order from before, each window's process, frame and workspace.
     ASSERT_THAT(titlesFrontToBack(model), ElementsAre("Three", ::testing::_, ::testing::_));
+    auto ipc = SwayIpc::connect(sway.ipcSocket());
+    ASSERT_NE(ipc, nullptr);
+    const auto tree = ipc->request(SwayIpc::Request::getTree);
+    ASSERT_TRUE(tree.has_value());
+    model.learn(SwayTree::windowsByFocus(*tree), true);
+    EXPECT_THAT(titlesFrontToBack(model), ElementsAre("Three", "One", "Two"));
     std::map<std::string, const WaylandWindowModel::Window*> byTitle;
     for (auto handle : model.frontToBack()) {
         byTitle[model.window(handle)->title] = model.window(handle);
@@ -79,6 +91,12 @@ TEST(WaylandWindowModelTest, FollowsSwaysWindowsTheirFocusAndActivatesThem) {
     EXPECT_EQ(byTitle["Two"]->process, byTitle["Three"]->process);
     EXPECT_NE(byTitle["One"]->process, byTitle["Two"]->process);
     EXPECT_EQ(titleOf(model, model.activeWindow()), "Three");
+    EXPECT_EQ(byTitle["One"]->owner, one);
+    EXPECT_TRUE(byTitle["One"]->isFrameKnown && byTitle["One"]->frame.size.width > 100);
+    EXPECT_TRUE(model.isOnCurrentDesktop(*byTitle["One"]));
+    EXPECT_FALSE(model.isOnCurrentDesktop(*byTitle["Two"]));
+    EXPECT_THAT(ipc->run("nop first; no_such_command"),
+                ElementsAre(::testing::HasSubstr("Unknown")));
 
     // A focus change made by someone else is an activation, and brings the window to the front.
     const auto revision = model.revision();

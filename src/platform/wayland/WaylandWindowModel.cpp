@@ -35,6 +35,7 @@ struct WaylandWindowModel::Toplevel {
     bool pendingActivated = false;
     std::optional<Window> shown;
     bool isActivated = false;
+    bool isOnShownWorkspace = true;
 
     ~Toplevel() { zwlr_foreign_toplevel_handle_v1_destroy(proxy); }
 
@@ -200,6 +201,49 @@ ProcessIdentifier WaylandWindowModel::standInFor(const std::string& appId) {
     }
     const auto standIn = static_cast<ProcessIdentifier>(applicationStandIns + applications_.size());
     return applications_.try_emplace(std::move(key), standIn).first->second;
+}
+
+bool WaylandWindowModel::isOnCurrentDesktop(const Window& window) const {
+    auto found = toplevels_.find(window.window);
+    return found == toplevels_.end() || found->second->isOnShownWorkspace;
+}
+
+void WaylandWindowModel::learn(const std::vector<SwayTree::Window>& known, bool ordering) {
+    ++revision_;
+    std::vector<Handle> order;
+    order.reserve(order_.size());
+    for (const auto& entry : known) {
+        for (auto handle : order_) {
+            auto& toplevel = *toplevels_.at(handle);
+            const auto& shown = *toplevel.shown;
+            if (shown.windowClass != entry.appId || shown.title != entry.title ||
+                std::find(order.begin(), order.end(), handle) != order.end()) {
+                continue;
+            }
+            order.push_back(handle);
+            // Kept in both: the next `done` makes the pending state the shown one.
+            for (auto* window : {&toplevel.pending, &*toplevel.shown}) {
+                window->frame = entry.frame;
+                window->isFrameKnown = true;
+                window->owner = entry.process;
+            }
+            toplevel.isOnShownWorkspace = entry.isOnShownWorkspace;
+            break;
+        }
+    }
+    if (!ordering) {
+        return;
+    }
+    for (auto handle : order_) {
+        if (std::find(order.begin(), order.end(), handle) == order.end()) {
+            order.push_back(handle);
+        }
+    }
+    order_ = std::move(order);
+    // The protocol's focus is the latest word.
+    if (active_) {
+        bringToFront(*active_);
+    }
 }
 
 const WaylandWindowModel::Window* WaylandWindowModel::window(Handle window) const {

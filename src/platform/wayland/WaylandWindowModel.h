@@ -1,8 +1,9 @@
 // The compositor's toplevel windows as the foreign-toplevel protocol tells them: each one's title,
 // app_id and states, changed all at once at each `done`. A window's application is the desktop
 // entry its app_id matches, else the app_id, with a stand-in process for each. Activation changes
-// are the focus changes, and they order the windows: the protocol tells no stacking. Frames and
-// workspaces are not told; every window counts as on the current one. Main thread only.
+// are the focus changes, and they order the windows: the protocol tells no stacking. Frames,
+// processes and workspaces come only from what a compositor's IPC tells (`learn`); until then
+// every window counts as on the current workspace. Main thread only.
 #pragma once
 
 #include <cstdint>
@@ -14,6 +15,7 @@
 
 #include "core/Identifiers.h"
 #include "platform/linux/DesktopWindows.h"
+#include "platform/wayland/SwayTree.h"
 #include "platform/wayland/WaylandConnection.h"
 
 struct zwlr_foreign_toplevel_handle_v1;
@@ -39,8 +41,13 @@ class WaylandWindowModel final : public DesktopWindows {
         return window(identifier);
     }
     std::optional<Handle> activeWindow() const override { return active_; }
-    bool isOnCurrentDesktop(const Window&) const override { return true; }
+    bool isOnCurrentDesktop(const Window& window) const override;
     std::uint64_t revision() const override { return revision_; }
+
+    // Takes what the compositor's own IPC knows beyond the protocol: each window's frame, process
+    // and workspace, and with `ordering`, the order of focus from before Orvane started. A window
+    // is the first one of the same app_id and title not matched yet.
+    void learn(const std::vector<SwayTree::Window>& known, bool ordering);
 
     // Restores the window first when it is minimized; the compositor switches workspace itself.
     void activate(const Window& window) override;
