@@ -3,42 +3,42 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/x11/X11ComposeInput.h"
-#include "platform/x11/X11KeyTranslation.h"
+#include "platform/linux/XkbComposeInput.h"
+#include "platform/linux/XkbKeyTranslation.h"
 #include "platform/x11/X11PropertyParsing.h"
 
 namespace orvane {
 namespace {
 
-TEST(X11KeyTranslation, PhysicalKeysMapBothWaysToTheStoredCodes) {
+TEST(XkbKeyTranslation, PhysicalKeysMapBothWaysToTheStoredCodes) {
     const std::pair<const char*, std::uint16_t> keys[] = {
         {"TAB", 48},   {"SPCE", 49},  {"TLDE", 50},  {"RTRN", 36}, {"ESC", 53}, {"BKSP", 51},
         {"LEFT", 123}, {"RGHT", 124}, {"DOWN", 125}, {"UP", 126},  {"AC01", 0}, {"AD01", 12},
     };
     for (const auto& [name, code] : keys) {
         SCOPED_TRACE(name);
-        EXPECT_EQ(X11KeyTranslation::storedKeyCode(name), code);
-        EXPECT_EQ(X11KeyTranslation::xkbKeyName(code), name);
+        EXPECT_EQ(XkbKeyTranslation::storedKeyCode(name), code);
+        EXPECT_EQ(XkbKeyTranslation::xkbKeyName(code), name);
     }
-    EXPECT_EQ(X11KeyTranslation::storedKeyCode("LALT"), std::nullopt);
-    EXPECT_EQ(X11KeyTranslation::xkbKeyName(52), std::nullopt);
+    EXPECT_EQ(XkbKeyTranslation::storedKeyCode("LALT"), std::nullopt);
+    EXPECT_EQ(XkbKeyTranslation::xkbKeyName(52), std::nullopt);
 }
 
-TEST(X11KeyTranslation, ModifierMasksAndKeysymsBecomeFlags) {
+TEST(XkbKeyTranslation, ModifierMasksAndKeysymsBecomeFlags) {
     namespace flag = keyboard_event_flag;
     // Shift, Lock, Control, Mod1 (Alt), Mod2 (NumLock), Mod4 (Super).
-    EXPECT_EQ(X11KeyTranslation::flags(1 | 2 | 4 | 8 | 16 | 64),
+    EXPECT_EQ(XkbKeyTranslation::flags(1 | 2 | 4 | 8 | 16 | 64),
               flag::shift | flag::control | flag::option | flag::command);
-    EXPECT_EQ(X11KeyTranslation::modifierMask(flag::option | flag::shift), 8 | 1);
-    EXPECT_EQ(X11KeyTranslation::modifierFlagOfKeysym(0xffe9), flag::option);   // Alt_L
-    EXPECT_EQ(X11KeyTranslation::modifierFlagOfKeysym(0xffe4), flag::control);  // Control_R
-    EXPECT_EQ(X11KeyTranslation::modifierFlagOfKeysym(0xfe03), 0u);  // ISO_Level3_Shift (AltGr)
-    EXPECT_EQ(X11KeyTranslation::modifierFlagOfKeysym('a'), 0u);
+    EXPECT_EQ(XkbKeyTranslation::modifierMask(flag::option | flag::shift), 8 | 1);
+    EXPECT_EQ(XkbKeyTranslation::modifierFlagOfKeysym(0xffe9), flag::option);   // Alt_L
+    EXPECT_EQ(XkbKeyTranslation::modifierFlagOfKeysym(0xffe4), flag::control);  // Control_R
+    EXPECT_EQ(XkbKeyTranslation::modifierFlagOfKeysym(0xfe03), 0u);  // ISO_Level3_Shift (AltGr)
+    EXPECT_EQ(XkbKeyTranslation::modifierFlagOfKeysym('a'), 0u);
 }
 
-TEST(X11ComposeInput, DeadKeysAndComposeSequencesTypeWhatTheLocaleComposes) {
+TEST(XkbComposeInput, DeadKeysAndComposeSequencesTypeWhatTheLocaleComposes) {
     auto* context = xkb_context_new(XKB_CONTEXT_NO_FLAGS);
-    X11ComposeInput compose(context, "en_US.UTF-8");
+    XkbComposeInput compose(context, "en_US.UTF-8");
     const auto type = [&](std::initializer_list<std::pair<xkb_keysym_t, const char*>> keys) {
         std::string typed;
         for (const auto& [keysym, own] : keys) {
@@ -55,7 +55,7 @@ TEST(X11ComposeInput, DeadKeysAndComposeSequencesTypeWhatTheLocaleComposes) {
     compose.reset();
     EXPECT_EQ(type({{XKB_KEY_a, "a"}}), "a|");
     // Without a table for the locale, each key types its own text.
-    X11ComposeInput none(context, "xx_NOWHERE");
+    XkbComposeInput none(context, "xx_NOWHERE");
     EXPECT_EQ(none.feed(XKB_KEY_dead_acute, "´"), "´");
     xkb_context_unref(context);
 }

@@ -21,6 +21,36 @@ const Logger& log() {
     return Logger::forCategory(LogCategory::lifecycle);
 }
 
+using Output = WaylandConnection::Output;
+
+Output& outputOf(void* data) {
+    return *static_cast<Output*>(data);
+}
+
+const wl_output_listener outputListener{
+    [](void*, wl_output*, std::int32_t, std::int32_t, std::int32_t, std::int32_t, std::int32_t,
+       const char*, const char*, std::int32_t) {},
+    [](void*, wl_output*, std::uint32_t, std::int32_t, std::int32_t, std::int32_t) {},
+    [](void*, wl_output*) {},
+    [](void* data, wl_output*, std::int32_t factor) {
+        outputOf(data).scale = std::max(1, factor);
+    },
+    [](void*, wl_output*, const char*) {},
+    [](void*, wl_output*, const char*) {}};
+
+const zxdg_output_v1_listener descriptionListener{
+    [](void* data, zxdg_output_v1*, std::int32_t x, std::int32_t y) {
+        outputOf(data).x = x;
+        outputOf(data).y = y;
+    },
+    [](void* data, zxdg_output_v1*, std::int32_t width, std::int32_t height) {
+        outputOf(data).width = width;
+        outputOf(data).height = height;
+    },
+    [](void*, zxdg_output_v1*) {},
+    [](void*, zxdg_output_v1*, const char*) {},
+    [](void*, zxdg_output_v1*, const char*) {}};
+
 }  // namespace
 
 std::unique_ptr<WaylandConnection> WaylandConnection::connect(const char* name) {
@@ -43,6 +73,9 @@ std::unique_ptr<WaylandConnection> WaylandConnection::connect(const char* name) 
         self.bindGlobal(zwlr_screencopy_manager_v1_interface, 3));
     self.outputManager_ =
         static_cast<zxdg_output_manager_v1*>(self.bindGlobal(zxdg_output_manager_v1_interface, 3));
+    for (auto& output : self.outputs_) {
+        self.describe(*output);
+    }
     if (!connection->roundtrip()) {
         return nullptr;
     }
@@ -57,8 +90,8 @@ WaylandConnection::WaylandConnection(wl_display* display) : display_(display) {
 }
 
 WaylandConnection::~WaylandConnection() {
-    for (auto* output : outputs_) {
-        wl_output_release(output);
+    for (auto& output : outputs_) {
+        release(*output);
     }
     if (seat_ != nullptr) {
         wl_seat_release(seat_);
@@ -91,22 +124,37 @@ void WaylandConnection::global(void* data, wl_registry* registry, std::uint32_t 
         self.offered_.try_emplace(interface, name, version);
         return;
     }
-    auto* output = static_cast<wl_output*>(
+    auto output = std::make_unique<Output>();
+    output->name = name;
+    output->output = static_cast<wl_output*>(
         wl_registry_bind(registry, name, &wl_output_interface, std::min(version, 4u)));
-    wl_proxy_set_user_data(reinterpret_cast<wl_proxy*>(output),
-                           reinterpret_cast<void*>(static_cast<std::uintptr_t>(name)));
-    self.outputs_.push_back(output);
+    wl_output_add_listener(output->output, &outputListener, output.get());
+    self.describe(*output);
+    self.outputs_.push_back(std::move(output));
+}
+
+void WaylandConnection::describe(Output& output) {
+    if (outputManager_ != nullptr && output.description == nullptr) {
+        output.description = zxdg_output_manager_v1_get_xdg_output(outputManager_, output.output);
+        zxdg_output_v1_add_listener(output.description, &descriptionListener, &output);
+    }
+}
+
+void WaylandConnection::release(Output& output) {
+    if (output.description != nullptr) {
+        zxdg_output_v1_destroy(output.description);
+    }
+    wl_output_release(output.output);
 }
 
 void WaylandConnection::globalRemoved(void* data, wl_registry*, std::uint32_t name) {
     auto& self = *static_cast<WaylandConnection*>(data);
     // Only outputs come and go while a compositor runs.
-    std::erase_if(self.outputs_, [name](wl_output* output) {
-        if (reinterpret_cast<std::uintptr_t>(
-                wl_proxy_get_user_data(reinterpret_cast<wl_proxy*>(output))) != name) {
+    std::erase_if(self.outputs_, [name](const std::unique_ptr<Output>& output) {
+        if (output->name != name) {
             return false;
         }
-        wl_output_release(output);
+        release(*output);
         return true;
     });
 }

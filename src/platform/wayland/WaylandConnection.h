@@ -13,6 +13,7 @@
 struct zwlr_layer_shell_v1;
 struct zwlr_screencopy_manager_v1;
 struct zxdg_output_manager_v1;
+struct zxdg_output_v1;
 
 namespace orvane {
 
@@ -25,6 +26,15 @@ class WaylandConnection final {
     WaylandConnection(const WaylandConnection&) = delete;
     WaylandConnection& operator=(const WaylandConnection&) = delete;
 
+    // A screen, in the compositor's logical coordinates (what xdg-output tells), with its scale.
+    struct Output {
+        wl_output* output = nullptr;
+        zxdg_output_v1* description = nullptr;
+        std::uint32_t name = 0;
+        std::int32_t scale = 1;
+        std::int32_t x = 0, y = 0, width = 0, height = 0;
+    };
+
     wl_display* display() const { return display_; }
     int fileDescriptor() const { return wl_display_get_fd(display_); }
 
@@ -35,7 +45,8 @@ class WaylandConnection final {
     zwlr_layer_shell_v1* layerShell() const { return layerShell_; }
     zwlr_screencopy_manager_v1* screencopyManager() const { return screencopyManager_; }
     zxdg_output_manager_v1* outputManager() const { return outputManager_; }
-    const std::vector<wl_output*>& outputs() const { return outputs_; }
+    // In the order the compositor offered them; each one's geometry once it has been told.
+    const std::vector<std::unique_ptr<Output>>& outputs() const { return outputs_; }
 
     // The protocols Orvane cannot run without that this compositor lacks, by name.
     std::vector<std::string> missingProtocols() const;
@@ -57,6 +68,9 @@ class WaylandConnection final {
     static void global(void* data, wl_registry* registry, std::uint32_t name, const char* interface,
                        std::uint32_t version);
     static void globalRemoved(void* data, wl_registry* registry, std::uint32_t name);
+    // Asks for the output's logical geometry, once there is someone to ask.
+    void describe(Output& output);
+    static void release(Output& output);
 
     wl_display* display_ = nullptr;
     wl_registry* registry_ = nullptr;
@@ -66,7 +80,7 @@ class WaylandConnection final {
     zwlr_layer_shell_v1* layerShell_ = nullptr;
     zwlr_screencopy_manager_v1* screencopyManager_ = nullptr;
     zxdg_output_manager_v1* outputManager_ = nullptr;
-    std::vector<wl_output*> outputs_;
+    std::vector<std::unique_ptr<Output>> outputs_;
     // Every global offered: interface, then its name and version.
     std::map<std::string, std::pair<std::uint32_t, std::uint32_t>> offered_;
     bool isLost_ = false;

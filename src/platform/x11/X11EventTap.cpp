@@ -11,8 +11,8 @@
 #include <cstdlib>
 
 #include "core/Logger.h"
-#include "platform/x11/X11KeyTranslation.h"
-#include "platform/x11/X11KeyboardEvent.h"
+#include "platform/linux/XkbKeyTranslation.h"
+#include "platform/linux/LinuxKeyboardEvent.h"
 
 namespace orvane {
 
@@ -32,13 +32,13 @@ std::u16string utf16(const std::string& utf8) {
 
 std::string modifierWords(std::uint16_t mask) {
     std::string words;
-    if (mask & X11KeyTranslation::modifierMask(keyboard_event_flag::control)) {
+    if (mask & XkbKeyTranslation::modifierMask(keyboard_event_flag::control)) {
         words += "Ctrl+";
     }
-    if (mask & X11KeyTranslation::modifierMask(keyboard_event_flag::option)) {
+    if (mask & XkbKeyTranslation::modifierMask(keyboard_event_flag::option)) {
         words += "Alt+";
     }
-    if (mask & X11KeyTranslation::modifierMask(keyboard_event_flag::shift)) {
+    if (mask & XkbKeyTranslation::modifierMask(keyboard_event_flag::shift)) {
         words += "Shift+";
     }
     return words;
@@ -57,7 +57,7 @@ X11EventTap::X11EventTap(X11Connection& connection) : connection_(connection) {
         log().error("the X keyboard extension is missing; no shortcut can be caught");
         return;
     }
-    compose_ = std::make_unique<X11ComposeInput>(context_);
+    compose_ = std::make_unique<XkbComposeInput>(context_);
     deviceIdentifier_ = xkb_x11_get_core_keyboard_device_id(connection_.connection());
     const auto device = static_cast<xcb_xkb_device_spec_t>(deviceIdentifier_);
     constexpr std::uint16_t events = XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY |
@@ -176,13 +176,13 @@ KeyboardEventFlags X11EventTap::flagsState(std::int32_t) const {
     if (reply == nullptr) {
         return 0;
     }
-    const auto flags = X11KeyTranslation::flags(reply->mask);
+    const auto flags = XkbKeyTranslation::flags(reply->mask);
     std::free(reply);
     return flags;
 }
 
 xcb_keycode_t X11EventTap::keycodeOf(std::uint16_t storedKeyCode) const {
-    const auto name = X11KeyTranslation::xkbKeyName(storedKeyCode);
+    const auto name = XkbKeyTranslation::xkbKeyName(storedKeyCode);
     if (!name || keymap_ == nullptr) {
         return 0;
     }
@@ -199,7 +199,7 @@ xcb_keycode_t X11EventTap::keycodeOf(std::uint16_t storedKeyCode) const {
 std::int64_t X11EventTap::storedKeyCodeOf(xcb_keycode_t keycode) const {
     const char* name = keymap_ ? xkb_keymap_key_get_name(keymap_, keycode) : nullptr;
     if (name != nullptr) {
-        if (auto code = X11KeyTranslation::storedKeyCode(name)) {
+        if (auto code = XkbKeyTranslation::storedKeyCode(name)) {
             return *code;
         }
     }
@@ -210,11 +210,11 @@ std::int64_t X11EventTap::storedKeyCodeOf(xcb_keycode_t keycode) const {
 std::vector<X11EventTap::Chord> X11EventTap::chords() const {
     const auto preferences = preferences_ ? preferences_->preferences() : SwitcherPreferences{};
     const auto& shortcut = preferences.shortcutConfiguration;
-    const std::uint16_t hold = X11KeyTranslation::modifierMask(
+    const std::uint16_t hold = XkbKeyTranslation::modifierMask(
         shortcut.holdModifier == SwitcherHoldModifier::control ? keyboard_event_flag::control
                                                                : keyboard_event_flag::option);
-    const std::uint16_t shift = X11KeyTranslation::modifierMask(keyboard_event_flag::shift);
-    const std::uint16_t alt = X11KeyTranslation::modifierMask(keyboard_event_flag::option);
+    const std::uint16_t shift = XkbKeyTranslation::modifierMask(keyboard_event_flag::shift);
+    const std::uint16_t alt = XkbKeyTranslation::modifierMask(keyboard_event_flag::option);
     std::vector<Chord> result;
     auto add = [&](std::uint16_t storedKeyCode, std::uint16_t modifiers, bool required) {
         const auto keycode = keycodeOf(storedKeyCode);
@@ -253,7 +253,7 @@ std::vector<X11EventTap::Chord> X11EventTap::chords() const {
 bool X11EventTap::grabChord(const Chord& chord) {
     auto* connection = connection_.connection();
     std::vector<xcb_void_cookie_t> cookies;
-    for (auto lock : X11KeyTranslation::lockMasks) {
+    for (auto lock : XkbKeyTranslation::lockMasks) {
         cookies.push_back(xcb_grab_key_checked(connection, 1, connection_.root(),
                                                chord.modifiers | lock, chord.keycode,
                                                XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_SYNC));
@@ -272,7 +272,7 @@ bool X11EventTap::grabChord(const Chord& chord) {
 }
 
 void X11EventTap::ungrabChord(const Chord& chord) {
-    for (auto lock : X11KeyTranslation::lockMasks) {
+    for (auto lock : XkbKeyTranslation::lockMasks) {
         xcb_ungrab_key(connection_.connection(), chord.keycode, connection_.root(),
                        chord.modifiers | lock);
     }
@@ -421,7 +421,7 @@ void X11EventTap::deliver(KeyboardEventType type, std::int64_t keyCode, Keyboard
     if (callback_ && enabled_) {
         // Kept alive through the call: the logic may remove the tap from inside it.
         auto callback = callback_;
-        result = callback(type, X11KeyboardEvent(keyCode, flags, isAutorepeat, std::move(text)));
+        result = callback(type, LinuxKeyboardEvent(keyCode, flags, isAutorepeat, std::move(text)));
     }
     if (swallowed != nullptr) {
         *swallowed = result;
@@ -433,8 +433,8 @@ void X11EventTap::handleKey(const xcb_key_press_event_t& event, bool isPress) {
     auto* connection = connection_.connection();
     const bool fromPassiveGrab = !activeGrab_;
     const auto keysym = state_ ? xkb_state_key_get_one_sym(state_, event.detail) : XKB_KEY_NoSymbol;
-    const auto modifierFlag = X11KeyTranslation::modifierFlagOfKeysym(keysym);
-    const auto stateFlags = X11KeyTranslation::flags(event.state);
+    const auto modifierFlag = XkbKeyTranslation::modifierFlagOfKeysym(keysym);
+    const auto stateFlags = XkbKeyTranslation::flags(event.state);
     bool swallowed = false;
     if (modifierFlag != 0) {
         deliver(keyboard_event_type::flagsChanged, storedKeyCodeOf(event.detail),

@@ -18,7 +18,7 @@
 #include "core/PreferencesProviding.h"
 #include "platform/EventTapPort.h"
 #include "platform/ExternalGesture.h"
-#include "platform/x11/X11ComposeInput.h"
+#include "platform/linux/XkbComposeInput.h"
 #include "platform/x11/X11Connection.h"
 
 namespace orvane {
@@ -106,7 +106,7 @@ class X11EventTap final : public EventTapPort {
     xkb_context* context_ = nullptr;
     xkb_keymap* keymap_ = nullptr;
     xkb_state* state_ = nullptr;
-    std::unique_ptr<X11ComposeInput> compose_;
+    std::unique_ptr<XkbComposeInput> compose_;
     std::int32_t deviceIdentifier_ = -1;
     std::uint8_t xkbFirstEvent_ = 0;
 

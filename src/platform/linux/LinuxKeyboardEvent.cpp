@@ -1,10 +1,10 @@
-#include "platform/x11/X11KeyboardEvent.h"
+#include "platform/linux/LinuxKeyboardEvent.h"
 
 #include <algorithm>
 
 namespace orvane {
 
-std::int64_t X11KeyboardEvent::integerValueField(KeyboardEventField field) const {
+std::int64_t LinuxKeyboardEvent::integerValueField(KeyboardEventField field) const {
     switch (field) {
         case KeyboardEventField::keycode:
             return keyCode_;
@@ -14,7 +14,7 @@ std::int64_t X11KeyboardEvent::integerValueField(KeyboardEventField field) const
     return 0;
 }
 
-std::size_t X11KeyboardEvent::keyboardUnicodeString(std::size_t maximumLength,
+std::size_t LinuxKeyboardEvent::keyboardUnicodeString(std::size_t maximumLength,
                                                     char16_t* buffer) const {
     const auto count = std::min(maximumLength, typedText_.size());
     std::copy_n(typedText_.begin(), count, buffer);

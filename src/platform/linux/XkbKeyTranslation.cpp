@@ -1,4 +1,4 @@
-#include "platform/x11/X11KeyTranslation.h"
+#include "platform/linux/XkbKeyTranslation.h"
 
 #include <array>
 #include <utility>
@@ -28,7 +28,7 @@ constexpr std::uint16_t superMask = 64;  // Mod4
 
 }  // namespace
 
-std::optional<std::uint16_t> X11KeyTranslation::storedKeyCode(std::string_view xkbKeyName) {
+std::optional<std::uint16_t> XkbKeyTranslation::storedKeyCode(std::string_view xkbKeyName) {
     for (const auto& [name, code] : keyTable) {
         if (name == xkbKeyName) {
             return code;
@@ -37,7 +37,7 @@ std::optional<std::uint16_t> X11KeyTranslation::storedKeyCode(std::string_view x
     return std::nullopt;
 }
 
-std::optional<std::string_view> X11KeyTranslation::xkbKeyName(std::uint16_t storedKeyCode) {
+std::optional<std::string_view> XkbKeyTranslation::xkbKeyName(std::uint16_t storedKeyCode) {
     for (const auto& [name, code] : keyTable) {
         if (code == storedKeyCode) {
             return name;
@@ -46,7 +46,7 @@ std::optional<std::string_view> X11KeyTranslation::xkbKeyName(std::uint16_t stor
     return std::nullopt;
 }
 
-KeyboardEventFlags X11KeyTranslation::flags(std::uint16_t state) {
+KeyboardEventFlags XkbKeyTranslation::flags(std::uint16_t state) {
     KeyboardEventFlags result = 0;
     if (state & shiftMask) {
         result |= keyboard_event_flag::shift;
@@ -63,7 +63,7 @@ KeyboardEventFlags X11KeyTranslation::flags(std::uint16_t state) {
     return result;
 }
 
-std::uint16_t X11KeyTranslation::modifierMask(KeyboardEventFlags flags) {
+std::uint16_t XkbKeyTranslation::modifierMask(KeyboardEventFlags flags) {
     std::uint16_t mask = 0;
     if (flags & keyboard_event_flag::shift) {
         mask |= shiftMask;
@@ -80,7 +80,7 @@ std::uint16_t X11KeyTranslation::modifierMask(KeyboardEventFlags flags) {
     return mask;
 }
 
-KeyboardEventFlags X11KeyTranslation::modifierFlagOfKeysym(std::uint32_t keysym) {
+KeyboardEventFlags XkbKeyTranslation::modifierFlagOfKeysym(std::uint32_t keysym) {
     switch (keysym) {
         case 0xffe1:  // Shift_L
         case 0xffe2:  // Shift_R

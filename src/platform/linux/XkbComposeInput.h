@@ -10,13 +10,13 @@
 
 namespace orvane {
 
-class X11ComposeInput {
+class XkbComposeInput {
   public:
     // `locale` as LC_CTYPE names it ("de_DE.UTF-8"); empty reads it from the environment.
-    X11ComposeInput(xkb_context* context, std::string locale = {});
-    ~X11ComposeInput();
-    X11ComposeInput(const X11ComposeInput&) = delete;
-    X11ComposeInput& operator=(const X11ComposeInput&) = delete;
+    XkbComposeInput(xkb_context* context, std::string locale = {});
+    ~XkbComposeInput();
+    XkbComposeInput(const XkbComposeInput&) = delete;
+    XkbComposeInput& operator=(const XkbComposeInput&) = delete;
 
     // The text a pressed key types: `ownText` (what the key gives alone) outside a sequence, the
     // composed text at its end, nothing inside it or when it was cancelled.

@@ -1,5 +1,5 @@
-// One key event of the X keyboard, already translated: the stored key code, the flags, whether it
-// repeats, and the text the user's layout types with it.
+// One key event of the desktop's keyboard, already translated: the stored key code, the flags,
+// whether it repeats, and the text the user's layout types with it.
 #pragma once
 
 #include <string>
@@ -8,9 +8,9 @@
 
 namespace orvane {
 
-class X11KeyboardEvent final : public KeyboardEvent {
+class LinuxKeyboardEvent final : public KeyboardEvent {
   public:
-    X11KeyboardEvent(std::int64_t keyCode, KeyboardEventFlags flags, bool isAutorepeat,
+    LinuxKeyboardEvent(std::int64_t keyCode, KeyboardEventFlags flags, bool isAutorepeat,
                      std::u16string typedText)
         : keyCode_(keyCode),
           flags_(flags),

@@ -1,6 +1,6 @@
-// The tables between the X keyboard and the key codes and modifier flags the preferences and the
-// gesture logic speak: physical keys by their XKB names (so the key above Tab is TLDE in every
-// layout), and the core protocol's modifier masks.
+// The tables between the XKB keyboard of X11 and Wayland and the key codes and modifier flags the
+// preferences and the gesture logic speak: physical keys by their XKB names (so the key above Tab
+// is TLDE in every layout), and the core modifier masks (Shift, Control, Mod1, Mod4).
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@
 
 namespace orvane {
 
-class X11KeyTranslation {
+class XkbKeyTranslation {
   public:
     // The stored key code of the physical key with that XKB name ("TAB", "TLDE", "AC01").
     static std::optional<std::uint16_t> storedKeyCode(std::string_view xkbKeyName);

@@ -1,4 +1,4 @@
-#include "platform/x11/X11ComposeInput.h"
+#include "platform/linux/XkbComposeInput.h"
 
 #include <cstdlib>
 
@@ -20,7 +20,7 @@ std::string environmentLocale() {
 
 }  // namespace
 
-X11ComposeInput::X11ComposeInput(xkb_context* context, std::string locale) {
+XkbComposeInput::XkbComposeInput(xkb_context* context, std::string locale) {
     if (locale.empty()) {
         locale = environmentLocale();
     }
@@ -37,12 +37,12 @@ X11ComposeInput::X11ComposeInput(xkb_context* context, std::string locale) {
     state_ = xkb_compose_state_new(table_, XKB_COMPOSE_STATE_NO_FLAGS);
 }
 
-X11ComposeInput::~X11ComposeInput() {
+XkbComposeInput::~XkbComposeInput() {
     xkb_compose_state_unref(state_);
     xkb_compose_table_unref(table_);
 }
 
-std::string X11ComposeInput::feed(xkb_keysym_t keysym, const std::string& ownText) {
+std::string XkbComposeInput::feed(xkb_keysym_t keysym, const std::string& ownText) {
     if (state_ == nullptr || xkb_compose_state_feed(state_, keysym) == XKB_COMPOSE_FEED_IGNORED) {
         return ownText;
     }
@@ -64,7 +64,7 @@ std::string X11ComposeInput::feed(xkb_keysym_t keysym, const std::string& ownTex
     }
 }
 
-void X11ComposeInput::reset() {
+void XkbComposeInput::reset() {
     if (state_ != nullptr) {
         xkb_compose_state_reset(state_);
     }
