@@ -12,7 +12,7 @@ packages=(
     libxcb-composite0-dev libxcb-render0-dev libxcb-shm0-dev libxcb-damage0-dev libxcb-xfixes0-dev
     libxkbcommon-dev
     libxkbcommon-x11-dev libglib2.0-dev libqt6svg6
-    libwayland-dev libwayland-bin wayland-protocols qt6-wayland
+    libwayland-dev libwayland-bin wayland-protocols qt6-wayland libpixman-1-dev
     fonts-dejavu-core
     dpkg-dev xvfb xauth openbox trayer xterm x11-utils xdotool imagemagick xcompmgr
     sway wtype grim foot wayland-utils dbus-daemon

@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -116,6 +117,7 @@ SwaySession::SwaySession(const std::string& resolution) {
 }
 
 SwaySession::~SwaySession() {
+    stopChild(program_);
     for (auto& client : clients_) {
         stopProcess(client);
     }
@@ -177,6 +179,63 @@ std::vector<std::string> SwaySession::titles() const {
 
 std::optional<std::string> SwaySession::focusedTitle() const {
     return tree().second;
+}
+
+bool SwaySession::startProgram() {
+    const auto home = folder_ / "home";
+    const auto runtime = folder_ / "orvane-runtime";
+    std::filesystem::create_directories(home);
+    std::filesystem::create_directories(runtime);
+    std::filesystem::permissions(runtime, std::filesystem::perms::owner_all,
+                                 std::filesystem::perm_options::replace);
+    // Under LeakSanitizer the program reports only leaks of its own.
+    const char* leakOptions = std::getenv("LSAN_OPTIONS");
+    const std::string suppressions = std::string("suppressions=") + ORVANE_LSAN_SUPPRESSIONS;
+    program_ =
+        spawnLogged({ORVANE_PROGRAM_PATH, "--log-level", "debug"}, folder_ / "orvane.log",
+                    {"LSAN_OPTIONS=" + (leakOptions ? std::string(leakOptions) + ":" + suppressions
+                                                    : suppressions),
+                     "WAYLAND_DISPLAY=" + display_, "SWAYSOCK=" + ipcSocket_,
+                     "HOME=" + home.string(), "XDG_CONFIG_HOME=" + (home / ".config").string(),
+                     "XDG_DATA_HOME=" + (home / ".local/share").string(),
+                     "XDG_RUNTIME_DIR=" + runtime.string()});
+    return program_ > 0 &&
+           waitFor([&] { return programLog().find("launch complete") != std::string::npos; },
+                   std::chrono::seconds(15));
+}
+
+void SwaySession::stopProgram() {
+    stopChild(program_);
+}
+
+std::string SwaySession::programLog() const {
+    return readAll(folder_ / "orvane.log");
+}
+
+void SwaySession::type(const std::vector<std::string>& arguments) const {
+    std::string command = "WAYLAND_DISPLAY='" + display_ + "' wtype";
+    for (const auto& argument : arguments) {
+        command += " '" + argument + "'";
+    }
+    [[maybe_unused]] const int status = std::system(command.c_str());
+}
+
+std::string SwaySession::bindingEventsWhile(const std::function<void()>& action) const {
+    const std::string command =
+        "timeout 2 swaymsg -s '" + ipcSocket_ + "' -m -t subscribe '[\"binding\"]' 2>/dev/null";
+    FILE* pipe = ::popen(command.c_str(), "r");
+    if (pipe == nullptr) {
+        return {};
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    action();
+    std::string text;
+    char buffer[4096];
+    while (const auto count = std::fread(buffer, 1, sizeof buffer, pipe)) {
+        text.append(buffer, count);
+    }
+    ::pclose(pipe);
+    return text;
 }
 
 std::string SwaySession::log() const {

@@ -6,6 +6,7 @@
 #include <sys/types.h>
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <utility>
@@ -31,6 +32,18 @@ class SwaySession {
     pid_t startClient(const std::string& title, const std::string& appId);
     void stopProcess(pid_t& process);
 
+    // Orvane on this sway, its log in the session's folder, once it says it has launched; false
+    // when it did not within 15 s.
+    bool startProgram();
+    void stopProgram();
+    std::string programLog() const;
+    // Types through a virtual keyboard, as `wtype` is told: one call holds a modifier across a
+    // whole gesture (`-M alt -k Tab -s 300 -m alt`).
+    void type(const std::vector<std::string>& arguments) const;
+    // The binding events sway sent while `action` ran, as swaymsg prints them.
+    std::string bindingEventsWhile(const std::function<void()>& action) const;
+    const std::filesystem::path& folder() const { return folder_; }
+
     // What swaymsg prints for these arguments.
     std::string swaymsg(const std::vector<std::string>& arguments) const;
     // The title of the window sway has focused; nothing when none is.
@@ -48,6 +61,7 @@ class SwaySession {
     std::string ipcSocket_;
     std::string problem_;
     pid_t compositor_ = 0;
+    pid_t program_ = 0;
     std::vector<pid_t> clients_;
 };
 

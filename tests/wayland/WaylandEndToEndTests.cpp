@@ -9,6 +9,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -125,6 +126,79 @@ TEST(WaylandWindowModelTest, FollowsSwaysWindowsTheirFocusAndActivatesThem) {
     EXPECT_THAT(titlesFrontToBack(model), ElementsAre("Two", "One"));
     sway.stopProcess(one);
     sway.stopProcess(two);
+}
+
+// Orvane itself on sway, keys typed through a virtual keyboard as a person types them.
+TEST(WaylandProgramTest, SwitchesLaunchesAndLetsGoOfItsKeysOnSway) {
+    SwaySession sway;
+    ASSERT_TRUE(sway.isReady()) << sway.problem();
+    auto one = sway.startClient("One", "orvane.one");
+    auto two = sway.startClient("Two", "orvane.two");
+    auto three = sway.startClient("Three", "orvane.three");
+    // Focused before Orvane started: Two, then One, then Three.
+    sway.swaymsg({"[title=\"^Two$\"]", "focus"});
+    sway.swaymsg({"[title=\"^One$\"]", "focus"});
+    sway.swaymsg({"[title=\"^Three$\"]", "focus"});
+    ASSERT_TRUE(sway.startProgram()) << sway.programLog();
+    EXPECT_THAT(sway.programLog(), ::testing::HasSubstr("Alt+Tab and its companions are bound"));
+    const auto focusAfter = [&](const std::vector<std::string>& keys) {
+        sway.type(keys);
+        std::this_thread::sleep_for(std::chrono::milliseconds(400));
+        return sway.focusedTitle().value_or("");
+    };
+
+    // Alt+Tab once goes to the window focused before Orvane started, as sway's tree tells.
+    EXPECT_EQ(focusAfter({"-M", "alt", "-k", "Tab", "-s", "300", "-m", "alt"}), "One");
+    // Twice and three times down the recency; a fast tap, released at once, still commits.
+    EXPECT_EQ(
+        focusAfter({"-M", "alt", "-k", "Tab", "-s", "150", "-k", "Tab", "-s", "150", "-m", "alt"}),
+        "Two");
+    EXPECT_EQ(
+        focusAfter({"-M", "alt", "-k", "Tab", "-k", "Tab", "-k", "Tab", "-s", "200", "-m", "alt"}),
+        "Two");
+    EXPECT_EQ(focusAfter({"-M", "alt", "-k", "Tab", "-m", "alt"}), "One");
+    // Shift goes back up; Escape changes nothing.
+    EXPECT_EQ(focusAfter({"-M", "alt", "-k", "Tab", "-s", "150", "-M", "shift", "-k", "Tab", "-m",
+                          "shift", "-s", "150", "-m", "alt"}),
+              "One");
+    EXPECT_EQ(focusAfter({"-M", "alt", "-k", "Tab", "-s", "150", "-k", "Escape", "-s", "150", "-m",
+                          "alt"}),
+              "One");
+
+    // While the overlay is up it has the keyboard: no window has the focus.
+    std::thread gesture([&] { sway.type({"-M", "alt", "-k", "Tab", "-s", "900", "-m", "alt"}); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(450));
+    const auto focusedMidGesture = sway.focusedTitle();
+    gesture.join();
+    std::this_thread::sleep_for(std::chrono::milliseconds(400));
+    EXPECT_EQ(focusedMidGesture, std::nullopt);
+    EXPECT_EQ(sway.focusedTitle(), "Two");
+
+    // A window on another workspace comes forward with its workspace.
+    sway.swaymsg({"[title=\"^Three$\"]", "move", "to", "workspace", "2"});
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    EXPECT_EQ(focusAfter({"-M", "alt", "-k", "Tab", "-k", "Tab", "-s", "200", "-m", "alt"}),
+              "Three");
+
+    // The launcher finds a window by typed text and brings it forward with Return.
+    sway.type({"-M", "alt", "-k", "space", "-m", "alt", "-s", "200", "-k", "o", "-k", "n", "-k",
+               "e", "-s", "200", "-k", "Return"});
+    std::this_thread::sleep_for(std::chrono::milliseconds(400));
+    EXPECT_EQ(sway.focusedTitle(), "One");
+
+    // A window closed between two gestures is simply gone from the next one.
+    sway.stopProcess(two);
+    EXPECT_EQ(focusAfter({"-M", "alt", "-k", "Tab", "-s", "200", "-m", "alt"}), "Three");
+
+    // Alt+Tab is Orvane's binding while it runs; once it quits, the binding is gone and Alt+Tab
+    // reaches the focused window again.
+    const auto altTab = [&] { sway.type({"-M", "alt", "-k", "Tab", "-s", "100", "-m", "alt"}); };
+    EXPECT_THAT(sway.bindingEventsWhile(altTab), ::testing::HasSubstr("nop orvane next"));
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    sway.stopProgram();
+    EXPECT_THAT(sway.bindingEventsWhile(altTab), ::testing::Not(::testing::HasSubstr("orvane")));
+    sway.stopProcess(one);
+    sway.stopProcess(three);
 }
 
 }  // namespace

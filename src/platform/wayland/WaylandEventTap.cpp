@@ -106,7 +106,7 @@ WaylandEventTap::WaylandEventTap(WaylandConnection& connection, SwayIpc* sway,
     : connection_(connection), sway_(sway), runLoop_(std::move(runLoop)) {
     context_ = xkb_context_new(XKB_CONTEXT_NO_FLAGS);
     if (context_ != nullptr) {
-        // Key codes are evdev's on every wlroots compositor: the standard keymap names them.
+        // The bindings name keys by what they type in the standard layout.
         standardKeymap_ = xkb_keymap_new_from_names(context_, nullptr, XKB_KEYMAP_COMPILE_NO_FLAGS);
         compose_ = std::make_unique<XkbComposeInput>(context_);
     }
@@ -219,6 +219,23 @@ KeyboardEventFlags WaylandEventTap::currentFlags() const {
     return flags;
 }
 
+std::optional<std::string> WaylandEventTap::keysymName(std::uint16_t storedKeyCode) const {
+    const auto name = XkbKeyTranslation::xkbKeyName(storedKeyCode);
+    const auto keycode = name && standardKeymap_
+                             ? xkb_keymap_key_by_name(standardKeymap_, std::string(*name).c_str())
+                             : XKB_KEYCODE_INVALID;
+    const xkb_keysym_t* symbols = nullptr;
+    if (keycode == XKB_KEYCODE_INVALID ||
+        xkb_keymap_key_get_syms_by_level(standardKeymap_, keycode, 0, 0, &symbols) <= 0) {
+        return std::nullopt;
+    }
+    char buffer[64];
+    if (xkb_keysym_get_name(symbols[0], buffer, sizeof buffer) <= 0) {
+        return std::nullopt;
+    }
+    return std::string(buffer);
+}
+
 std::vector<WaylandEventTap::Chord> WaylandEventTap::chords() const {
     const auto preferences = preferences_ ? preferences_->preferences() : SwitcherPreferences{};
     const auto& shortcut = preferences.shortcutConfiguration;
@@ -227,17 +244,13 @@ std::vector<WaylandEventTap::Chord> WaylandEventTap::chords() const {
     std::vector<Chord> result;
     auto add = [&](const std::string& modifiers, std::uint16_t storedKeyCode,
                    ExternalGesture gesture) {
-        const auto name = XkbKeyTranslation::xkbKeyName(storedKeyCode);
-        const auto keycode =
-            name && standardKeymap_
-                ? xkb_keymap_key_by_name(standardKeymap_, std::string(*name).c_str())
-                : XKB_KEYCODE_INVALID;
-        if (keycode == XKB_KEYCODE_INVALID) {
+        auto key = keysymName(storedKeyCode);
+        if (!key) {
             log().error("no key has the stored code %{public}u; its shortcut is not available",
                         storedKeyCode);
             return;
         }
-        result.push_back({modifiers, keycode, gesture});
+        result.push_back({modifiers, std::move(*key), gesture});
     };
     add(hold, shortcut.triggerKeyCode, ExternalGesture::next);
     add(hold + "Shift+", shortcut.triggerKeyCode, ExternalGesture::previous);
@@ -251,8 +264,8 @@ void WaylandEventTap::installBindings() {
         return;
     }
     for (const auto& chord : chords()) {
-        const auto binding = chord.modifiers + std::to_string(chord.keycode);
-        const auto errors = sway_->run("bindcode --no-repeat " + binding + " " + bindingCommand +
+        const auto binding = chord.modifiers + chord.key;
+        const auto errors = sway_->run("bindsym --no-repeat " + binding + " " + bindingCommand +
                                        gestureName(chord.gesture));
         if (errors.empty()) {
             installed_.push_back(binding);
@@ -269,7 +282,7 @@ void WaylandEventTap::installBindings() {
 void WaylandEventTap::removeBindings() {
     if (sway_ != nullptr && sway_->isOpen()) {
         for (const auto& binding : installed_) {
-            sway_->run("unbindcode " + binding);
+            sway_->run("unbindsym " + binding);
         }
     }
     installed_.clear();
@@ -279,28 +292,12 @@ std::string WaylandEventTap::requiredChordName() const {
     const auto preferences = preferences_ ? preferences_->preferences() : SwitcherPreferences{};
     const auto& shortcut = preferences.shortcutConfiguration;
     std::string name = shortcut.holdModifier == SwitcherHoldModifier::control ? "Ctrl+" : "Alt+";
-    const auto key = XkbKeyTranslation::xkbKeyName(shortcut.triggerKeyCode);
-    const auto keycode = key && standardKeymap_
-                             ? xkb_keymap_key_by_name(standardKeymap_, std::string(*key).c_str())
-                             : XKB_KEYCODE_INVALID;
-    const auto keysym = keycode != XKB_KEYCODE_INVALID && standardKeymap_
-                            ? [&] {
-                                  const xkb_keysym_t* symbols = nullptr;
-                                  return xkb_keymap_key_get_syms_by_level(standardKeymap_, keycode,
-                                                                          0, 0, &symbols) > 0
-                                             ? symbols[0]
-                                             : XKB_KEY_NoSymbol;
-                              }()
-                            : XKB_KEY_NoSymbol;
-    char buffer[64];
-    if (keysym != XKB_KEY_NoSymbol && xkb_keysym_get_name(keysym, buffer, sizeof buffer) > 0) {
-        std::string keyName = buffer;
-        if (keyName[0] >= 'a' && keyName[0] <= 'z') {
-            keyName[0] = static_cast<char>(keyName[0] - 'a' + 'A');
-        }
-        return name + keyName;
+    auto key = keysymName(shortcut.triggerKeyCode)
+                   .value_or("key " + std::to_string(shortcut.triggerKeyCode));
+    if (key[0] >= 'a' && key[0] <= 'z') {
+        key[0] = static_cast<char>(key[0] - 'a' + 'A');
     }
-    return name + "key " + std::to_string(shortcut.triggerKeyCode);
+    return name + key;
 }
 
 std::optional<ExternalGesture> WaylandEventTap::gestureOfBinding(const nlohmann::json& event) {
@@ -407,6 +404,25 @@ std::int64_t WaylandEventTap::storedKeyCodeOf(xkb_keycode_t keycode) const {
     if (name != nullptr) {
         if (auto stored = XkbKeyTranslation::storedKeyCode(name)) {
             return *stored;
+        }
+    }
+    // A keymap of its own (a virtual keyboard's) names its keys as it likes: the key of the
+    // standard layout that types the same is the one meant.
+    const xkb_keysym_t* symbols = nullptr;
+    if (keymap_ != nullptr && standardKeymap_ != nullptr &&
+        xkb_keymap_key_get_syms_by_level(keymap_, keycode, 0, 0, &symbols) > 0) {
+        const auto keysym = symbols[0];
+        for (auto candidate = xkb_keymap_min_keycode(standardKeymap_);
+             candidate <= xkb_keymap_max_keycode(standardKeymap_); ++candidate) {
+            const xkb_keysym_t* standard = nullptr;
+            if (xkb_keymap_key_get_syms_by_level(standardKeymap_, candidate, 0, 0, &standard) > 0 &&
+                standard[0] == keysym) {
+                const char* standardName = xkb_keymap_key_get_name(standardKeymap_, candidate);
+                if (auto stored = standardName ? XkbKeyTranslation::storedKeyCode(standardName)
+                                               : std::nullopt) {
+                    return *stored;
+                }
+            }
         }
     }
     // Keys without a stored code still need one that no stored key uses.

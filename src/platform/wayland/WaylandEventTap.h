@@ -63,10 +63,12 @@ class WaylandEventTap final : public EventTapPort {
   private:
     struct Chord {
         std::string modifiers;  // as sway names them: "Mod1+Shift+"
-        std::uint32_t keycode = 0;
+        std::string key;        // the keysym's name: "Tab"
         ExternalGesture gesture = ExternalGesture::next;
     };
 
+    // The name of the keysym a stored key types in the standard layout ("Tab", "grave").
+    std::optional<std::string> keysymName(std::uint16_t storedKeyCode) const;
     std::vector<Chord> chords() const;
     void installBindings();
     void removeBindings();
@@ -88,7 +90,7 @@ class WaylandEventTap final : public EventTapPort {
     wl_seat* seat_ = nullptr;
     wl_keyboard* keyboard_ = nullptr;
     xkb_context* context_ = nullptr;
-    // The compositor's keymap for the keys; a standard one names keys for the bindings.
+    // The compositor's keymap for the keys; a standard one names the keys of the bindings.
     xkb_keymap* keymap_ = nullptr;
     xkb_state* state_ = nullptr;
     xkb_keymap* standardKeymap_ = nullptr;
@@ -102,7 +104,7 @@ class WaylandEventTap final : public EventTapPort {
     EventTapHandle lastHandle_ = 0;
     KeyboardEventFlags reportedFlags_ = 0;
     bool hasFocus_ = false;
-    // The bindings sway holds for Orvane, as sway names them ("Mod1+23").
+    // The bindings sway holds for Orvane, as sway names them ("Mod1+Tab").
     std::vector<std::string> installed_;
 };
 
