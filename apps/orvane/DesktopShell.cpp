@@ -46,7 +46,7 @@ DesktopShell::~DesktopShell() {
     tray_.reset();
 }
 
-OrvaneApplicationDelegate::Platform DesktopShell::platform() {
+OrvaneApplicationDelegate::Platform DesktopShell::platform(std::optional<std::string> loginNote) {
     OrvaneApplicationDelegate::Platform platform;
     platform.currentProcessIdentifier =
         static_cast<ProcessIdentifier>(QCoreApplication::applicationPid());
@@ -82,7 +82,7 @@ OrvaneApplicationDelegate::Platform DesktopShell::platform() {
     platform.urlComponents = std::make_shared<QtUrlComponents>();
     platform.loginItem = std::make_shared<XdgAutostartLoginItem>(
         XdgAutostartLoginItem::standardEntryFile(),
-        QCoreApplication::applicationFilePath().toStdString());
+        QCoreApplication::applicationFilePath().toStdString(), std::move(loginNote));
     platform.supportAddress = supportEmailAddress;
     platform.wording = Wording::linuxDesktop();
     return platform;

@@ -42,8 +42,9 @@ class DesktopShell {
     DesktopShell();
     ~DesktopShell();
 
-    // Every port the shell makes; the backend adds its own before `start`.
-    OrvaneApplicationDelegate::Platform platform();
+    // Every port the shell makes; the backend adds its own before `start`. `loginNote` says what
+    // starts Orvane at login on a desktop that runs no autostart entries by itself.
+    OrvaneApplicationDelegate::Platform platform(std::optional<std::string> loginNote = {});
     // Builds the program and its tray. `windowManagerName` names the desktop whose
     // keyboard settings the help offers.
     void start(OrvaneApplicationDelegate::Platform platform, Images images,

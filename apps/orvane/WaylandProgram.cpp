@@ -53,7 +53,14 @@ WaylandProgram::WaylandProgram(std::unique_ptr<WaylandConnection> connection,
         *connection_, *screens_,
         QtOverlayRenderer([this](const ImageHandle& handle) { return shell_.image(handle); }));
 
-    auto platform = shell_.platform();
+    // sway starts no autostart entries by itself.
+    auto platform = shell_.platform(
+        swayCommands_
+            ? std::optional<std::string>(
+                  "sway runs no autostart entries by itself: add the line \"exec orvane\" "
+                  "to its configuration (~/.config/sway/config), or turn on systemd's "
+                  "XDG autostart for your session.")
+            : std::nullopt);
     screenCapture_ =
         std::make_shared<WaylandScreenCapture>(*connection_, *model_, *screens_, shell_.runLoop());
     screenCapture_->setCoveredQuery([this] {

@@ -54,11 +54,16 @@ PreferencesPaneContent GeneralPreferencesView::content() {
     const auto preferences = preferencesProvider_->preferences();
     const bool previewsAllowed = isScreenRecordingGranted();
     PreferencesPaneContent pane;
+    std::vector<PaneFooterItem> startupFooter{
+        PaneFootnote{"Automatically start Orvane when you log in to your Mac."}};
+    if (auto note = loginItem_->note()) {
+        startupFooter.push_back(PaneFootnote{std::move(*note)});
+    }
     pane.sections.push_back(
         {"Startup",
          {},
          {PaneToggle{.label = std::string(loginToggle), .isOn = launchAtLoginEnabled_}},
-         {PaneFootnote{"Automatically start Orvane when you log in to your Mac."}}});
+         std::move(startupFooter)});
     pane.sections.push_back(
         {"Menu Bar",
          {},

@@ -17,6 +17,9 @@ class LoginItemPort {
     virtual std::optional<std::string> registerLoginItem() = 0;
     virtual std::optional<std::string> unregisterLoginItem() = 0;
     virtual LoginItemStatus status() const = 0;
+    // What the user must know for the item to start the program on this desktop; nothing when
+    // it just works.
+    virtual std::optional<std::string> note() const { return std::nullopt; }
 };
 
 }  // namespace orvane

@@ -15,7 +15,7 @@ std::int64_t LinuxKeyboardEvent::integerValueField(KeyboardEventField field) con
 }
 
 std::size_t LinuxKeyboardEvent::keyboardUnicodeString(std::size_t maximumLength,
-                                                    char16_t* buffer) const {
+                                                      char16_t* buffer) const {
     const auto count = std::min(maximumLength, typedText_.size());
     std::copy_n(typedText_.begin(), count, buffer);
     return count;

@@ -11,7 +11,7 @@ namespace orvane {
 class LinuxKeyboardEvent final : public KeyboardEvent {
   public:
     LinuxKeyboardEvent(std::int64_t keyCode, KeyboardEventFlags flags, bool isAutorepeat,
-                     std::u16string typedText)
+                       std::u16string typedText)
         : keyCode_(keyCode),
           flags_(flags),
           isAutorepeat_(isAutorepeat),

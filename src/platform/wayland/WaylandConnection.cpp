@@ -32,9 +32,7 @@ const wl_output_listener outputListener{
        const char*, const char*, std::int32_t) {},
     [](void*, wl_output*, std::uint32_t, std::int32_t, std::int32_t, std::int32_t) {},
     [](void*, wl_output*) {},
-    [](void* data, wl_output*, std::int32_t factor) {
-        outputOf(data).scale = std::max(1, factor);
-    },
+    [](void* data, wl_output*, std::int32_t factor) { outputOf(data).scale = std::max(1, factor); },
     [](void*, wl_output*, const char*) {},
     [](void*, wl_output*, const char*) {}};
 
@@ -47,8 +45,7 @@ const zxdg_output_v1_listener descriptionListener{
         outputOf(data).width = width;
         outputOf(data).height = height;
     },
-    [](void*, zxdg_output_v1*) {},
-    [](void*, zxdg_output_v1*, const char*) {},
+    [](void*, zxdg_output_v1*) {}, [](void*, zxdg_output_v1*, const char*) {},
     [](void*, zxdg_output_v1*, const char*) {}};
 
 }  // namespace

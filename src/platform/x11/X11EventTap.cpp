@@ -11,8 +11,8 @@
 #include <cstdlib>
 
 #include "core/Logger.h"
-#include "platform/linux/XkbKeyTranslation.h"
 #include "platform/linux/LinuxKeyboardEvent.h"
+#include "platform/linux/XkbKeyTranslation.h"
 
 namespace orvane {
 

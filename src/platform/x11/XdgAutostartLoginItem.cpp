@@ -26,8 +26,11 @@ std::string quotedExec(const std::string& executable) {
 }  // namespace
 
 XdgAutostartLoginItem::XdgAutostartLoginItem(std::filesystem::path entryFile,
-                                             std::string executable)
-    : entryFile_(std::move(entryFile)), executable_(std::move(executable)) {}
+                                             std::string executable,
+                                             std::optional<std::string> note)
+    : entryFile_(std::move(entryFile)),
+      executable_(std::move(executable)),
+      note_(std::move(note)) {}
 
 std::filesystem::path XdgAutostartLoginItem::standardEntryFile() {
     return std::filesystem::path(g_get_user_config_dir()) / "autostart" / "orvane.desktop";

@@ -13,8 +13,10 @@ namespace orvane {
 
 class XdgAutostartLoginItem final : public LoginItemPort {
   public:
-    // `executable` is what the entry starts.
-    XdgAutostartLoginItem(std::filesystem::path entryFile, std::string executable);
+    // `executable` is what the entry starts; `note` says what else starts it on a desktop that
+    // runs no autostart entries by itself.
+    XdgAutostartLoginItem(std::filesystem::path entryFile, std::string executable,
+                          std::optional<std::string> note = std::nullopt);
     // `$XDG_CONFIG_HOME/autostart/orvane.desktop`.
     static std::filesystem::path standardEntryFile();
 
@@ -24,10 +26,12 @@ class XdgAutostartLoginItem final : public LoginItemPort {
     std::optional<std::string> unregisterLoginItem() override;
     // A file that does not read counts as not registered.
     LoginItemStatus status() const override;
+    std::optional<std::string> note() const override { return note_; }
 
   private:
     std::filesystem::path entryFile_;
     std::string executable_;
+    std::optional<std::string> note_;
 };
 
 }  // namespace orvane
