@@ -213,6 +213,9 @@ std::string SwaySession::programLog() const {
 }
 
 void SwaySession::type(const std::vector<std::string>& arguments) const {
+    if (arguments.empty()) {
+        return;
+    }
     std::string command = "WAYLAND_DISPLAY='" + display_ + "' wtype";
     for (const auto& argument : arguments) {
         command += " '" + argument + "'";
