@@ -64,7 +64,9 @@ DesktopProgram::DesktopProgram(std::unique_ptr<X11Connection> connection)
         [capture = screenCapture_] { return capture->preflightScreenCaptureAccess(); },
         [this](const std::string& address, const std::string& reason) {
             shell_.showHelp(address, reason);
-        }});
+        },
+        {},
+        {}});
     platform.permissions = permissions_;
     accessibility_ = std::make_shared<LinuxAccessibility>(*model_, shell_.runLoop());
     platform.accessibility = accessibility_;

@@ -73,7 +73,17 @@ WaylandProgram::WaylandProgram(std::unique_ptr<WaylandConnection> connection,
         [capture = screenCapture_] { return capture->preflightScreenCaptureAccess(); },
         [this](const std::string& address, const std::string& reason) {
             shell_.showHelp(address, reason);
-        }});
+        },
+        [this] {
+            const std::string bind =
+                "bind its gestures to \"orvane --gesture next\" (and previous, same-application, "
+                "launcher) in the compositor's configuration; this help shows the lines for "
+                "Hyprland, labwc and river.";
+            return swayCommands_ ? "sway did not take Orvane's bindings (its log says why): " + bind
+                                 : "On Wayland only the compositor sees every key: " + bind;
+        },
+        "This compositor does not let programs copy the screen (it has no screencopy), so cards "
+        "show application icons."});
     platform.permissions = permissions_;
     accessibility_ = std::make_shared<LinuxAccessibility>(*model_, shell_.runLoop());
     platform.accessibility = accessibility_;

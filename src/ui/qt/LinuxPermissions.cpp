@@ -64,13 +64,19 @@ std::string LinuxPermissions::settingsLink(PermissionCapability capability) cons
 
 std::string LinuxPermissions::missingReason(PermissionCapability capability) {
     if (capability == PermissionCapability::screenRecording) {
-        return conditions_.canCaptureWindows()
-                   ? std::string()
+        if (conditions_.canCaptureWindows()) {
+            return {};
+        }
+        return !conditions_.captureMissingReason.empty()
+                   ? conditions_.captureMissingReason
                    : "This display server cannot capture windows (the X server has no Composite "
                      "extension), so cards show application icons.";
     }
     if (conditions_.holdsShortcut()) {
         return {};
+    }
+    if (conditions_.shortcutMissingReason) {
+        return conditions_.shortcutMissingReason();
     }
     const auto manager = conditions_.windowManagerName();
     const auto holder = manager.empty() ? std::string("most likely the window manager")

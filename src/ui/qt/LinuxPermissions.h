@@ -25,6 +25,11 @@ class LinuxPermissions final : public PermissionPort {
         // Shows the help page at the address given (a "qrc:" address with its section), with what
         // keeps that capability away now; empty when nothing does.
         std::function<void(const std::string& address, const std::string& reason)> showHelp;
+        // Why the shortcut is not Orvane's where the desktop has its own story (Wayland); empty
+        // for the X11 one.
+        std::function<std::string()> shortcutMissingReason;
+        // Why windows can't be captured; empty for the X11 one.
+        std::string captureMissingReason;
     };
 
     // The help page, compiled into the program, and its two sections.
