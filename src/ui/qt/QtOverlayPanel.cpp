@@ -25,7 +25,6 @@ namespace {
 // Far outside any screen: where the panel waits between gestures.
 constexpr int offscreen = -32000;
 // Room kept between the selected card and the cut edge of a panel that scrolls.
-constexpr int scrollMargin = 24;
 
 // The usable area of the screen that holds most of a rectangle, in desktop logical pixels.
 QRect usableArea(const QRect& rectangle) {
@@ -295,27 +294,10 @@ void QtOverlayPanel::draw(QtServerPicture& picture, const QRegion& region) {
 
 int QtOverlayPanel::scrollFor(const OverlayViewData& data,
                               const SwitcherOverlayViewModel& model) const {
-    const int overflow = static_cast<int>(std::ceil(size_.height)) - onScreen_.height();
     const auto selected = model.selectedWindow();
-    if (overflow <= 0 || !selected) {
-        return 0;
-    }
-    const auto key = std::to_string(selected->windowIdentifier);
-    const auto card = std::find_if(data.elements.begin(), data.elements.end(), [&](const auto& e) {
-        return e.part == OverlayPart::cardBackground && e.key == key;
-    });
-    if (card == data.elements.end()) {
-        return std::clamp(scroll_, 0, overflow);
-    }
-    const int top = static_cast<int>(std::floor(card->frame().minY())) - scrollMargin;
-    const int bottom = static_cast<int>(std::ceil(card->frame().maxY())) + scrollMargin;
-    int scroll = scroll_;
-    if (top < scroll) {
-        scroll = top;
-    } else if (bottom > scroll + onScreen_.height()) {
-        scroll = bottom - onScreen_.height();
-    }
-    return std::clamp(scroll, 0, overflow);
+    return QtOverlayRenderer::scrollToShow(
+        data, selected ? std::to_string(selected->windowIdentifier) : std::string(), scroll_,
+        onScreen_.height());
 }
 
 void QtOverlayPanel::setFrame(const Rect& frame, bool display) {

@@ -130,6 +130,34 @@ QRegion QtOverlayRenderer::changedRegion(const OverlayViewData& before,
     return region;
 }
 
+int QtOverlayRenderer::scrollToShow(const OverlayViewData& data, const std::string& selectedKey,
+                                    int current, int visibleHeight) {
+    // Room above and below the selected card, so that its neighbours show it has some.
+    constexpr int margin = 24;
+    const int overflow = static_cast<int>(std::ceil(data.panelSize.height)) - visibleHeight;
+    if (overflow <= 0) {
+        return 0;
+    }
+    const auto card = std::find_if(data.elements.begin(), data.elements.end(), [&](const auto& e) {
+        return e.part == OverlayPart::cardBackground && e.key == selectedKey;
+    });
+    if (selectedKey.empty()) {
+        return 0;
+    }
+    if (card == data.elements.end()) {
+        return std::clamp(current, 0, overflow);
+    }
+    const int top = static_cast<int>(std::floor(card->frame().minY())) - margin;
+    const int bottom = static_cast<int>(std::ceil(card->frame().maxY())) + margin;
+    int scroll = current;
+    if (top < scroll) {
+        scroll = top;
+    } else if (bottom > scroll + visibleHeight) {
+        scroll = bottom - visibleHeight;
+    }
+    return std::clamp(scroll, 0, overflow);
+}
+
 void QtOverlayRenderer::paint(QPainter& painter, const OverlayViewData& data, bool opaque,
                               const QRegion* only) const {
     forgetImagesNotIn(data);

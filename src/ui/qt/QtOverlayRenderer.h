@@ -33,6 +33,10 @@ class QtOverlayRenderer {
     // Where two builds differ, card by card and element by element; the whole panel when the
     // panel's size or its own elements (those of no card) differ in number.
     static QRegion changedRegion(const OverlayViewData& before, const OverlayViewData& after);
+    // The panel's line at the top of a window `visibleHeight` tall that keeps the selected card
+    // (by its key) in sight, moving as little as it can from `current`; 0 when all of it fits.
+    static int scrollToShow(const OverlayViewData& data, const std::string& selectedKey,
+                            int current, int visibleHeight);
 
     // How many scaled images are kept: never more than the last two views painted show.
     std::size_t scaledImageCount() const { return scaled_.size(); }

@@ -28,6 +28,7 @@ struct WaylandOverlayPanel::Buffer {
     QImage image;
     bool isBusy = false;
     OverlayViewData data;
+    int scroll = 0;
 
     ~Buffer() {
         if (buffer != nullptr) {
@@ -98,6 +99,7 @@ void WaylandOverlayPanel::rebuild() {
 void WaylandOverlayPanel::setFrame(const Rect& frame, bool display) {
     frame_ = frame;
     size_ = frame.size;
+    scroll_ = 0;
     onScreen_ = screens_.toCompositor(frame);
     output_ = screens_.outputAt(onScreen_);
     if (output_ != nullptr && onScreen_.size.height > output_->height) {
@@ -231,9 +233,15 @@ void WaylandOverlayPanel::present() {
     auto data = builder_->build(*viewModel_, size_);
     const QRect whole(0, 0, static_cast<int>(std::ceil(onScreen_.size.width)),
                       static_cast<int>(std::ceil(onScreen_.size.height)));
-    auto region = buffer->data.elements.empty()
-                      ? QRegion(whole)
-                      : QtOverlayRenderer::changedRegion(buffer->data, data);
+    // A panel cut to its output scrolls to keep the selected card in sight.
+    const auto selected = viewModel_->selectedWindow();
+    scroll_ = QtOverlayRenderer::scrollToShow(
+        data, selected ? std::to_string(selected->windowIdentifier) : std::string(), scroll_,
+        whole.height());
+    QRegion region = whole;
+    if (!buffer->data.elements.empty() && buffer->scroll == scroll_) {
+        region = QtOverlayRenderer::changedRegion(buffer->data, data).translated(0, -scroll_);
+    }
     region &= whole;
     if (!region.isEmpty()) {
         QPainter painter(&buffer->image);
@@ -242,9 +250,13 @@ void WaylandOverlayPanel::present() {
             painter.fillRect(rect, Qt::transparent);
         }
         painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-        renderer_.paint(painter, data, false, &region);
+        // The surface shows the panel from `scroll` down; the renderer clips to the region.
+        const auto panelRegion = region.translated(0, scroll_);
+        painter.translate(0, -scroll_);
+        renderer_.paint(painter, data, false, &panelRegion);
     }
     buffer->data = std::move(data);
+    buffer->scroll = scroll_;
     buffer->isBusy = true;
     wl_surface_attach(surface_, buffer->buffer, 0, 0);
     // The whole buffer may differ from the one shown before: damage all of it.

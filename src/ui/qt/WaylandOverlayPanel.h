@@ -64,6 +64,8 @@ class WaylandOverlayPanel final : public OverlayPanelPort {
     Rect frame_;
     Size size_;
     Rect onScreen_;
+    // The panel's line at the surface's top, when the panel is cut to its output.
+    int scroll_ = 0;
     const WaylandConnection::Output* output_ = nullptr;
     std::int32_t scale_ = 1;
     wl_surface* surface_ = nullptr;
