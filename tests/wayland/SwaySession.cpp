@@ -189,16 +189,17 @@ bool SwaySession::startProgram() {
     std::filesystem::permissions(runtime, std::filesystem::perms::owner_all,
                                  std::filesystem::perm_options::replace);
     // Under LeakSanitizer the program reports only leaks of its own.
-    const char* leakOptions = std::getenv("LSAN_OPTIONS");
-    const std::string suppressions = std::string("suppressions=") + ORVANE_LSAN_SUPPRESSIONS;
-    program_ =
-        spawnLogged({ORVANE_PROGRAM_PATH, "--log-level", "debug"}, folder_ / "orvane.log",
-                    {"LSAN_OPTIONS=" + (leakOptions ? std::string(leakOptions) + ":" + suppressions
-                                                    : suppressions),
-                     "WAYLAND_DISPLAY=" + display_, "SWAYSOCK=" + ipcSocket_,
-                     "HOME=" + home.string(), "XDG_CONFIG_HOME=" + (home / ".config").string(),
-                     "XDG_DATA_HOME=" + (home / ".local/share").string(),
-                     "XDG_RUNTIME_DIR=" + runtime.string()});
+    const auto joined = [](const char* variable, const std::string& more) {
+        const char* value = std::getenv(variable);
+        return std::string(variable) + "=" + (value ? std::string(value) + ":" + more : more);
+    };
+    program_ = spawnLogged(
+        {ORVANE_PROGRAM_PATH, "--log-level", "debug"}, folder_ / "orvane.log",
+        {joined("LSAN_OPTIONS", std::string("suppressions=") + ORVANE_LSAN_SUPPRESSIONS),
+         "WAYLAND_DISPLAY=" + display_, "SWAYSOCK=" + ipcSocket_, "HOME=" + home.string(),
+         "XDG_CONFIG_HOME=" + (home / ".config").string(),
+         "XDG_DATA_HOME=" + (home / ".local/share").string(),
+         "XDG_RUNTIME_DIR=" + runtime.string()});
     return program_ > 0 &&
            waitFor([&] { return programLog().find("launch complete") != std::string::npos; },
                    std::chrono::seconds(15));
