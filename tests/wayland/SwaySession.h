@@ -36,6 +36,7 @@ class SwaySession {
     // when it did not within 15 s.
     bool startProgram();
     void stopProgram();
+    pid_t programProcess() const { return program_; }
     std::string programLog() const;
     // Types through a virtual keyboard, as `wtype` is told: one call holds a modifier across a
     // whole gesture (`-M alt -k Tab -s 300 -m alt`).

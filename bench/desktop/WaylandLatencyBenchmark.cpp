@@ -1,0 +1,307 @@
+// The switcher on a headless sway, measured from outside: foot windows, keys through wtype, and a
+// probe that hears each binding event from sway's IPC as the key's moment and takes the next
+// damaged frame of the output through screencopy as the moment the screen changed. Orvane runs
+// beside a minimal program that maps a prepared layer-shell surface of Orvane's panel size on the
+// same binding.
+//   orvane_wayland_benchmark [TRIALS]
+// Prints for 6 and 30 windows the median and 90th percentile of: binding to overlay on screen,
+// for both, and binding to repaint for Orvane's second Tab; then Orvane's CPU time and wake-ups
+// over 30 idle seconds with 30 windows.
+
+#include <poll.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <optional>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "../../tests/common/ChildProcess.h"
+#include "SwaySession.h"
+#include "platform/wayland/SwayIpc.h"
+#include "platform/wayland/WaylandConnection.h"
+#include "wlr-screencopy-unstable-v1-client-protocol.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using orvane::testing::SwaySession;
+
+double milliseconds(Clock::duration duration) {
+    return std::chrono::duration<double, std::milli>(duration).count();
+}
+
+struct Sample {
+    std::vector<double> values;
+    std::string summary() const {
+        if (values.empty()) {
+            return "      -      -";
+        }
+        auto sorted = values;
+        std::sort(sorted.begin(), sorted.end());
+        char text[64];
+        std::snprintf(text, sizeof text, "%7.2f %6.2f", sorted[sorted.size() / 2],
+                      sorted[std::min(sorted.size() - 1, sorted.size() * 9 / 10)]);
+        return text;
+    }
+};
+
+// Hears the bindings and watches the output for the next frame that changed.
+class Probe {
+  public:
+    explicit Probe(SwaySession& sway)
+        : connection_(orvane::WaylandConnection::connect(sway.display().c_str())),
+          events_(orvane::SwayIpc::connect(sway.ipcSocket())) {
+        if (events_) {
+            events_->request(orvane::SwayIpc::Request::subscribe, R"(["binding"])");
+        }
+    }
+    // Drops the binding events heard so far.
+    void forget() {
+        connection_->dispatchAvailable();
+        events_->readEvents([](orvane::SwayIpc::Event, const nlohmann::json&) {});
+    }
+    bool isReady() const {
+        return connection_ && events_ && connection_->screencopyManager() != nullptr &&
+               !connection_->outputs().empty();
+    }
+
+    // Milliseconds from the next binding event to the next frame that changed the screen after
+    // it; nothing within two seconds.
+    std::optional<double> bindingToFrame() {
+        std::optional<Clock::time_point> binding;
+        const auto end = Clock::now() + std::chrono::seconds(2);
+        pump(end, [&] {
+            events_->readEvents([&](orvane::SwayIpc::Event, const nlohmann::json&) {
+                if (!binding) {
+                    binding = Clock::now();
+                }
+            });
+            return binding.has_value();
+        });
+        if (!binding) {
+            return std::nullopt;
+        }
+        arm();
+        pump(end, [&] { return readyAt_.has_value(); });
+        release();
+        if (!readyAt_ || *readyAt_ == Clock::time_point{}) {
+            return std::nullopt;
+        }
+        return milliseconds(*readyAt_ - *binding);
+    }
+
+  private:
+    // Asks for the next frame with damage: it comes once the screen changes.
+    void arm() {
+        frame_ = zwlr_screencopy_manager_v1_capture_output(connection_->screencopyManager(), 0,
+                                                           connection_->outputs().front()->output);
+        static const zwlr_screencopy_frame_v1_listener listener{
+            [](void* data, zwlr_screencopy_frame_v1*, std::uint32_t format, std::uint32_t width,
+               std::uint32_t height, std::uint32_t stride) {
+                auto& probe = *static_cast<Probe*>(data);
+                probe.format_ = format;
+                probe.width_ = static_cast<int>(width);
+                probe.height_ = static_cast<int>(height);
+                probe.stride_ = static_cast<int>(stride);
+            },
+            [](void*, zwlr_screencopy_frame_v1*, std::uint32_t) {},
+            [](void* data, zwlr_screencopy_frame_v1*, std::uint32_t, std::uint32_t, std::uint32_t) {
+                static_cast<Probe*>(data)->readyAt_ = Clock::now();
+            },
+            [](void* data, zwlr_screencopy_frame_v1*) {
+                static_cast<Probe*>(data)->readyAt_ = Clock::time_point{};
+            },
+            [](void*, zwlr_screencopy_frame_v1*, std::uint32_t, std::uint32_t, std::uint32_t,
+               std::uint32_t) {},
+            [](void*, zwlr_screencopy_frame_v1*, std::uint32_t, std::uint32_t, std::uint32_t) {},
+            [](void* data, zwlr_screencopy_frame_v1* frame) {
+                static_cast<Probe*>(data)->copyInto(frame);
+            }};
+        readyAt_.reset();
+        zwlr_screencopy_frame_v1_add_listener(frame_, &listener, this);
+        connection_->flush();
+        // The buffer's offer comes first; the copy waits for damage from then on.
+        pump(Clock::now() + std::chrono::milliseconds(200), [&] { return copying_; });
+        events_->readEvents([](orvane::SwayIpc::Event, const nlohmann::json&) {});
+    }
+    template <typename Done>
+    void pump(Clock::time_point end, Done done) {
+        while (!done() && Clock::now() < end) {
+            pollfd descriptors[2] = {{connection_->fileDescriptor(), POLLIN, 0},
+                                     {events_->fileDescriptor(), POLLIN, 0}};
+            ::poll(descriptors, 2, 5);
+            connection_->dispatchAvailable();
+        }
+    }
+    void copyInto(zwlr_screencopy_frame_v1* frame) {
+        const auto bytes = static_cast<std::size_t>(stride_) * static_cast<std::size_t>(height_);
+        const int descriptor = ::memfd_create("probe", MFD_CLOEXEC);
+        if (descriptor < 0 || ::ftruncate(descriptor, static_cast<off_t>(bytes)) != 0) {
+            return;
+        }
+        auto* pool = wl_shm_create_pool(connection_->sharedMemory(), descriptor,
+                                        static_cast<std::int32_t>(bytes));
+        buffer_ = wl_shm_pool_create_buffer(pool, 0, width_, height_, stride_, format_);
+        wl_shm_pool_destroy(pool);
+        ::close(descriptor);
+        zwlr_screencopy_frame_v1_copy_with_damage(frame, buffer_);
+        connection_->flush();
+        copying_ = true;
+    }
+    void release() {
+        if (frame_ != nullptr) {
+            zwlr_screencopy_frame_v1_destroy(frame_);
+            frame_ = nullptr;
+        }
+        if (buffer_ != nullptr) {
+            wl_buffer_destroy(buffer_);
+            buffer_ = nullptr;
+        }
+        copying_ = false;
+    }
+
+    std::unique_ptr<orvane::WaylandConnection> connection_;
+    std::unique_ptr<orvane::SwayIpc> events_;
+    zwlr_screencopy_frame_v1* frame_ = nullptr;
+    wl_buffer* buffer_ = nullptr;
+    std::uint32_t format_ = 0;
+    int width_ = 0, height_ = 0, stride_ = 0;
+    bool copying_ = false;
+    std::optional<Clock::time_point> readyAt_;
+};
+
+struct Results {
+    Sample shown, repainted;
+};
+
+// Each trial: Alt down, Tab, a pause, Tab again, a pause, Alt up, in one wtype call.
+Results measure(SwaySession& sway, int trials, bool repaint) {
+    Probe probe(sway);
+    Results results;
+    if (!probe.isReady()) {
+        std::fprintf(stderr, "the probe could not watch the screen\n");
+        return results;
+    }
+    for (int trial = 0; trial < trials; ++trial) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        probe.forget();
+        std::thread keys([&] {
+            sway.type(
+                {"-M", "alt", "-k", "Tab", "-s", "300", "-k", "Tab", "-s", "300", "-m", "alt"});
+        });
+        if (const auto shown = probe.bindingToFrame()) {
+            results.shown.values.push_back(*shown);
+        }
+        if (repaint) {
+            if (const auto repainted = probe.bindingToFrame()) {
+                results.repainted.values.push_back(*repainted);
+            }
+        }
+        keys.join();
+    }
+    return results;
+}
+
+struct Usage {
+    double cpuSeconds = 0;
+    long wakeUps = 0;
+};
+
+Usage usage(pid_t process) {
+    Usage result;
+    std::ifstream stat("/proc/" + std::to_string(process) + "/stat");
+    std::string text((std::istreambuf_iterator<char>(stat)), std::istreambuf_iterator<char>());
+    const auto close = text.rfind(')');
+    if (close != std::string::npos) {
+        std::istringstream fields(text.substr(close + 2));
+        std::vector<std::string> values;
+        for (std::string value; fields >> value;) {
+            values.push_back(value);
+        }
+        if (values.size() > 12) {
+            result.cpuSeconds = (std::stod(values[11]) + std::stod(values[12])) /
+                                static_cast<double>(::sysconf(_SC_CLK_TCK));
+        }
+    }
+    std::ifstream status("/proc/" + std::to_string(process) + "/status");
+    for (std::string line; std::getline(status, line);) {
+        if (line.rfind("voluntary_ctxt_switches:", 0) == 0 ||
+            line.rfind("nonvoluntary_ctxt_switches:", 0) == 0) {
+            result.wakeUps += std::stol(line.substr(line.find(':') + 1));
+        }
+    }
+    return result;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const int trials = argc > 1 ? std::max(3, std::atoi(argv[1])) : 20;
+    SwaySession sway("1920x1080");
+    if (!sway.isReady()) {
+        std::fprintf(stderr, "no sway could be started: %s\n", sway.problem().c_str());
+        return 1;
+    }
+    std::printf(
+        "Binding to screen on a headless sway (1920x1080), %d trials, median and 90th "
+        "percentile in ms\n",
+        trials);
+    std::printf("%-8s %-24s %-16s %-16s\n", "windows", "program", "binding→shown", "Tab→repainted");
+    std::vector<pid_t> clients;
+    for (int windows : {6, 30}) {
+        while (static_cast<int>(clients.size()) < windows) {
+            const auto number = std::to_string(clients.size() + 1);
+            clients.push_back(sway.startClient("Window " + number, "bench.w" + number));
+        }
+        if (!sway.startProgram()) {
+            std::fprintf(stderr, "Orvane did not start: %s\n", sway.programLog().c_str());
+            return 1;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(500));
+        const auto orvane = measure(sway, trials, true);
+        sway.stopProgram();
+        // The panel's size, as the program's log says it.
+        int width = 0, height = 0;
+        const auto log = sway.programLog();
+        if (const auto at = log.rfind("overlay panel "); at != std::string::npos) {
+            std::sscanf(log.c_str() + at, "overlay panel %dx%d", &width, &height);
+        }
+        auto minimal = orvane::testing::spawnLogged(
+            {ORVANE_MINIMAL_LAYER_SWITCHER_PATH, std::to_string(std::max(width, 1)),
+             std::to_string(std::max(height, 1))},
+            sway.folder() / "minimal.log",
+            {"WAYLAND_DISPLAY=" + sway.display(), "SWAYSOCK=" + sway.ipcSocket()});
+        std::this_thread::sleep_for(std::chrono::milliseconds(500));
+        const auto yardstick = measure(sway, trials, false);
+        orvane::testing::stopChild(minimal);
+        sway.swaymsg({"unbindsym", "Mod1+Tab"});
+        std::printf("%-8d %-24s %-16s %-16s\n", windows,
+                    ("minimal " + std::to_string(width) + "x" + std::to_string(height)).c_str(),
+                    yardstick.shown.summary().c_str(), "");
+        std::printf("%-8d %-24s %-16s %-16s\n", windows, "orvane", orvane.shown.summary().c_str(),
+                    orvane.repainted.summary().c_str());
+    }
+    if (!sway.startProgram()) {
+        return 1;
+    }
+    std::this_thread::sleep_for(std::chrono::seconds(3));
+    const auto program = sway.programProcess();
+    const auto start = usage(program);
+    std::this_thread::sleep_for(std::chrono::seconds(30));
+    const auto end = usage(program);
+    std::printf("Idle for 30 s with %zu windows: %.2f s of CPU, %ld wake-ups\n", clients.size(),
+                end.cpuSeconds - start.cpuSeconds, end.wakeUps - start.wakeUps);
+    sway.stopProgram();
+    for (auto& client : clients) {
+        sway.stopProcess(client);
+    }
+    return 0;
+}
