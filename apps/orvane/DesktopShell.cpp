@@ -202,8 +202,10 @@ QImage DesktopShell::image(const ImageHandle& handle) {
         return found->second;
     }
     // Previews change with every capture: they go to the renderer as they are, never kept here.
-    if (auto preview = images_.preview ? images_.preview(handle.identifier) : std::nullopt) {
-        return *preview;
+    if (const auto* thumbnail =
+            images_.thumbnail ? images_.thumbnail(handle.identifier) : nullptr) {
+        return QImage(reinterpret_cast<const uchar*>(thumbnail->pixels.data()), thumbnail->width,
+                      thumbnail->height, thumbnail->width * 4, QImage::Format_ARGB32_Premultiplied);
     }
     if (auto name = desktopEntries_->iconName(handle.identifier)) {
         auto icon = themeIcon(*name, handle);

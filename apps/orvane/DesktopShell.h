@@ -17,6 +17,7 @@
 
 #include "app/OrvaneApp.h"
 #include "overlay/OverlayViewBuilder.h"
+#include "platform/linux/WindowThumbnail.h"
 #include "platform/x11/DesktopEntryCatalog.h"
 #include "platform/x11/DesktopKeyboardSettings.h"
 #include "ui/qt/QtApplicationObject.h"
@@ -32,9 +33,8 @@ class DesktopShell {
   public:
     // What the backend answers for the images of the overlay.
     struct Images {
-        // A window preview's pixels (premultiplied ARGB, row by row), its width and height;
-        // nothing when that capture is gone.
-        std::function<std::optional<QImage>(std::uint64_t identifier)> preview;
+        // A window preview's pixels; null when that capture is gone.
+        std::function<const WindowThumbnail*(std::uint64_t identifier)> thumbnail;
         // A window's own icon's pixels; null when it is gone.
         std::function<const std::vector<std::uint32_t>*(std::uint64_t identifier)> iconPixels;
     };

@@ -94,14 +94,8 @@ WaylandProgram::WaylandProgram(std::unique_ptr<WaylandConnection> connection,
     platform.screens = std::shared_ptr<ScreenPort>(screens_.get(), [](ScreenPort*) {});
     platform.overlayPanel = overlayPanel_;
     shell_.start(std::move(platform),
-                 {[capture = screenCapture_](std::uint64_t identifier) -> std::optional<QImage> {
-                      const auto* thumbnail = capture->thumbnail(identifier);
-                      if (thumbnail == nullptr) {
-                          return std::nullopt;
-                      }
-                      return QImage(reinterpret_cast<const uchar*>(thumbnail->pixels.data()),
-                                    thumbnail->width, thumbnail->height, thumbnail->width * 4,
-                                    QImage::Format_ARGB32_Premultiplied);
+                 {[capture = screenCapture_](std::uint64_t identifier) {
+                      return capture->thumbnail(identifier);
                   },
                   [workspace = workspace_](std::uint64_t identifier) {
                       return workspace->iconPixels(identifier);

@@ -32,6 +32,7 @@
 #include <vector>
 
 #include "DesktopSession.h"
+#include "LatencySample.h"
 
 namespace {
 
@@ -42,25 +43,7 @@ double milliseconds(Clock::duration duration) {
     return std::chrono::duration<double, std::milli>(duration).count();
 }
 
-struct Sample {
-    std::vector<double> values;
-    std::string summary() const {
-        if (values.empty()) {
-            return "      -      -";
-        }
-        auto sorted = values;
-        std::sort(sorted.begin(), sorted.end());
-        char text[64];
-        std::snprintf(text, sizeof text, "%7.2f %6.2f", sorted[sorted.size() / 2],
-                      sorted[std::min(sorted.size() - 1, sorted.size() * 9 / 10)]);
-        return text;
-    }
-    double median() const {
-        auto sorted = values;
-        std::sort(sorted.begin(), sorted.end());
-        return sorted[sorted.size() / 2];
-    }
-};
+using Sample = orvane::bench::LatencySample;
 
 class Probe {
   public:

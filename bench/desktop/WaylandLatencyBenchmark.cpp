@@ -24,6 +24,7 @@
 #include <vector>
 
 #include "../../tests/common/ChildProcess.h"
+#include "LatencySample.h"
 #include "SwaySession.h"
 #include "platform/wayland/SwayIpc.h"
 #include "platform/wayland/WaylandConnection.h"
@@ -38,20 +39,7 @@ double milliseconds(Clock::duration duration) {
     return std::chrono::duration<double, std::milli>(duration).count();
 }
 
-struct Sample {
-    std::vector<double> values;
-    std::string summary() const {
-        if (values.empty()) {
-            return "      -      -";
-        }
-        auto sorted = values;
-        std::sort(sorted.begin(), sorted.end());
-        char text[64];
-        std::snprintf(text, sizeof text, "%7.2f %6.2f", sorted[sorted.size() / 2],
-                      sorted[std::min(sorted.size() - 1, sorted.size() * 9 / 10)]);
-        return text;
-    }
-};
+using Sample = orvane::bench::LatencySample;
 
 // Hears the bindings and watches the output for the next frame that changed.
 class Probe {

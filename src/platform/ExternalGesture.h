@@ -3,8 +3,12 @@
 // the keys of its chord, so the logic sees what it sees when the chord is pressed.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string_view>
+
+#include "platform/KeyboardEvent.h"
+#include "preferences/SwitcherPreferences.h"
 
 namespace orvane {
 
@@ -25,6 +29,38 @@ inline std::optional<ExternalGesture> externalGestureNamed(std::string_view name
         return ExternalGesture::launcher;
     }
     return std::nullopt;
+}
+
+// The keys of the gestures beside the trigger, as the preferences store keys: the key above Tab
+// and the space bar.
+namespace gesture_key {
+inline constexpr std::int64_t grave = 50;
+inline constexpr std::int64_t space = 49;
+}  // namespace gesture_key
+
+// The chord a gesture stands for under the shortcut preferences: its key's stored code and the
+// modifiers held with it.
+struct GestureChord {
+    std::int64_t storedKeyCode = 0;
+    KeyboardEventFlags flags = 0;
+};
+
+inline GestureChord chordOfGesture(ExternalGesture gesture,
+                                   const SwitcherShortcutConfiguration& shortcut) {
+    const KeyboardEventFlags hold = shortcut.holdModifier == SwitcherHoldModifier::control
+                                        ? keyboard_event_flag::control
+                                        : keyboard_event_flag::option;
+    switch (gesture) {
+        case ExternalGesture::next:
+            break;
+        case ExternalGesture::previous:
+            return {shortcut.triggerKeyCode, hold | keyboard_event_flag::shift};
+        case ExternalGesture::sameApplication:
+            return {gesture_key::grave, hold};
+        case ExternalGesture::launcher:
+            return {gesture_key::space, keyboard_event_flag::option};
+    }
+    return {shortcut.triggerKeyCode, hold};
 }
 
 }  // namespace orvane

@@ -19,8 +19,6 @@ const Logger& log() {
     return Logger::forCategory(LogCategory::shortcutinterception);
 }
 
-constexpr std::uint16_t graveKeyCode = 50;
-constexpr std::uint16_t spaceKeyCode = 49;
 constexpr const char* bindingCommand = "nop orvane ";
 constexpr double focusPatienceSeconds = 1.0;
 
@@ -238,24 +236,26 @@ std::optional<std::string> WaylandEventTap::keysymName(std::uint16_t storedKeyCo
 
 std::vector<WaylandEventTap::Chord> WaylandEventTap::chords() const {
     const auto preferences = preferences_ ? preferences_->preferences() : SwitcherPreferences{};
-    const auto& shortcut = preferences.shortcutConfiguration;
-    const std::string hold =
-        shortcut.holdModifier == SwitcherHoldModifier::control ? "Ctrl+" : "Mod1+";
     std::vector<Chord> result;
-    auto add = [&](const std::string& modifiers, std::uint16_t storedKeyCode,
-                   ExternalGesture gesture) {
-        auto key = keysymName(storedKeyCode);
+    for (auto gesture : {ExternalGesture::next, ExternalGesture::previous,
+                         ExternalGesture::sameApplication, ExternalGesture::launcher}) {
+        const auto chord = chordOfGesture(gesture, preferences.shortcutConfiguration);
+        auto key = keysymName(static_cast<std::uint16_t>(chord.storedKeyCode));
         if (!key) {
             log().error("no key has the stored code %{public}u; its shortcut is not available",
-                        storedKeyCode);
-            return;
+                        static_cast<unsigned>(chord.storedKeyCode));
+            continue;
         }
-        result.push_back({modifiers, std::move(*key), gesture});
-    };
-    add(hold, shortcut.triggerKeyCode, ExternalGesture::next);
-    add(hold + "Shift+", shortcut.triggerKeyCode, ExternalGesture::previous);
-    add(hold, graveKeyCode, ExternalGesture::sameApplication);
-    add("Mod1+", spaceKeyCode, ExternalGesture::launcher);
+        std::string modifiers;
+        for (const auto& [flag, name] : {std::pair{keyboard_event_flag::control, "Ctrl+"},
+                                         std::pair{keyboard_event_flag::option, "Mod1+"},
+                                         std::pair{keyboard_event_flag::shift, "Shift+"}}) {
+            if ((chord.flags & flag) != 0) {
+                modifiers += name;
+            }
+        }
+        result.push_back({std::move(modifiers), std::move(*key), gesture});
+    }
     return result;
 }
 
@@ -330,26 +330,7 @@ void WaylandEventTap::perform(ExternalGesture gesture) {
         return;
     }
     const auto preferences = preferences_ ? preferences_->preferences() : SwitcherPreferences{};
-    const auto& shortcut = preferences.shortcutConfiguration;
-    const KeyboardEventFlags hold = shortcut.holdModifier == SwitcherHoldModifier::control
-                                        ? keyboard_event_flag::control
-                                        : keyboard_event_flag::option;
-    std::int64_t key = shortcut.triggerKeyCode;
-    KeyboardEventFlags flags = hold;
-    switch (gesture) {
-        case ExternalGesture::next:
-            break;
-        case ExternalGesture::previous:
-            flags |= keyboard_event_flag::shift;
-            break;
-        case ExternalGesture::sameApplication:
-            key = graveKeyCode;
-            break;
-        case ExternalGesture::launcher:
-            key = spaceKeyCode;
-            flags = keyboard_event_flag::option;
-            break;
-    }
+    const auto [key, flags] = chordOfGesture(gesture, preferences.shortcutConfiguration);
     // While the overlay has the keyboard, the modifiers it reports are the real ones.
     const auto before = hasFocus_ ? currentFlags() : reportedFlags_;
     deliver(keyboard_event_type::flagsChanged, 0, before | flags, {});

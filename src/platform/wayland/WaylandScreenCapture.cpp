@@ -140,8 +140,7 @@ std::optional<double> WaylandScreenCapture::mainScreenBackingScaleFactor() const
     return main ? std::optional(main->backingScaleFactor) : std::nullopt;
 }
 
-const WaylandScreenCapture::Thumbnail* WaylandScreenCapture::thumbnail(
-    std::uint64_t identifier) const {
+const WindowThumbnail* WaylandScreenCapture::thumbnail(std::uint64_t identifier) const {
     for (const auto& [window, thumbnail] : thumbnails_) {
         if (thumbnail.identifier == identifier) {
             return &thumbnail;

@@ -15,6 +15,7 @@
 
 #include "platform/RunLoopPort.h"
 #include "platform/ScreenCapturePort.h"
+#include "platform/linux/WindowThumbnail.h"
 #include "platform/wayland/WaylandConnection.h"
 #include "platform/wayland/WaylandScreens.h"
 #include "platform/wayland/WaylandWindowModel.h"
@@ -41,12 +42,7 @@ class WaylandScreenCapture final : public ScreenCapturePort,
 
     // Pixels of the last thumbnail of a window, premultiplied ARGB row by row, while that window
     // lives; nothing for any other identifier.
-    struct Thumbnail {
-        std::uint64_t identifier = 0;
-        int width = 0, height = 0;
-        std::vector<std::uint32_t> pixels;
-    };
-    const Thumbnail* thumbnail(std::uint64_t identifier) const;
+    const WindowThumbnail* thumbnail(std::uint64_t identifier) const;
 
     // Captures every window the outputs show now, unless `isCovered` says the overlay is up. A
     // copy that comes back while it is up is dropped: it may show the overlay.
@@ -65,7 +61,7 @@ class WaylandScreenCapture final : public ScreenCapturePort,
     WaylandWindowModel& model_;
     const WaylandScreens& screens_;
     std::shared_ptr<RunLoopPort> runLoop_;
-    std::map<DesktopWindows::Handle, Thumbnail> thumbnails_;
+    std::map<DesktopWindows::Handle, WindowThumbnail> thumbnails_;
     // The preview size asked for last, per window: the next capture makes that size.
     std::map<DesktopWindows::Handle, std::pair<int, int>> sizes_;
     std::vector<std::unique_ptr<Capture>> captures_;

@@ -22,9 +22,6 @@ const Logger& log() {
     return Logger::forCategory(LogCategory::shortcutinterception);
 }
 
-constexpr std::uint16_t graveKeyCode = 50;
-constexpr std::uint16_t spaceKeyCode = 49;
-
 std::u16string utf16(const std::string& utf8) {
     const auto text = icu::UnicodeString::fromUTF8(utf8);
     return std::u16string(text.getBuffer(), static_cast<std::size_t>(text.length()));
@@ -244,9 +241,9 @@ std::vector<X11EventTap::Chord> X11EventTap::chords() const {
     };
     add(shortcut.triggerKeyCode, hold, true);
     add(shortcut.triggerKeyCode, hold | shift, false);
-    add(graveKeyCode, hold, false);
-    add(graveKeyCode, hold | shift, false);
-    add(spaceKeyCode, alt, false);
+    add(gesture_key::grave, hold, false);
+    add(gesture_key::grave, hold | shift, false);
+    add(gesture_key::space, alt, false);
     return result;
 }
 
@@ -475,26 +472,7 @@ void X11EventTap::handleKey(const xcb_key_press_event_t& event, bool isPress) {
 
 void X11EventTap::perform(ExternalGesture gesture) {
     const auto preferences = preferences_ ? preferences_->preferences() : SwitcherPreferences{};
-    const auto& shortcut = preferences.shortcutConfiguration;
-    const KeyboardEventFlags hold = shortcut.holdModifier == SwitcherHoldModifier::control
-                                        ? keyboard_event_flag::control
-                                        : keyboard_event_flag::option;
-    std::int64_t key = shortcut.triggerKeyCode;
-    KeyboardEventFlags flags = hold;
-    switch (gesture) {
-        case ExternalGesture::next:
-            break;
-        case ExternalGesture::previous:
-            flags |= keyboard_event_flag::shift;
-            break;
-        case ExternalGesture::sameApplication:
-            key = graveKeyCode;
-            break;
-        case ExternalGesture::launcher:
-            key = spaceKeyCode;
-            flags = keyboard_event_flag::option;
-            break;
-    }
+    const auto [key, flags] = chordOfGesture(gesture, preferences.shortcutConfiguration);
     // The modifiers first, as a keyboard would send them; what the user really holds is told
     // right after, once the session has the keyboard.
     deliver(keyboard_event_type::flagsChanged, 0, reportedFlags_ | flags, false, {}, nullptr);

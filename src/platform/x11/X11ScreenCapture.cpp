@@ -139,7 +139,7 @@ std::optional<double> X11ScreenCapture::mainScreenBackingScaleFactor() const {
     return screens_.scaleFactor();
 }
 
-const X11ScreenCapture::Thumbnail* X11ScreenCapture::thumbnail(std::uint64_t identifier) const {
+const WindowThumbnail* X11ScreenCapture::thumbnail(std::uint64_t identifier) const {
     for (const auto& [window, thumbnail] : thumbnails_) {
         if (thumbnail.identifier == identifier) {
             return &thumbnail;
@@ -250,8 +250,8 @@ std::optional<ImageHandle> X11ScreenCapture::capture(WindowIdentifier identifier
         log().debug("no preview of window 0x%{public}x: the server gave no image", window);
         return std::nullopt;
     }
-    Thumbnail thumbnail{thumbnailIdentifierBit | ++lastIdentifier_, width, height,
-                        std::vector<std::uint32_t>(count)};
+    WindowThumbnail thumbnail{thumbnailIdentifierBit | ++lastIdentifier_, width, height,
+                              std::vector<std::uint32_t>(count)};
     std::memcpy(thumbnail.pixels.data(), xcb_get_image_data(image), count * 4);
     std::free(image);
     thumbnails_.insert_or_assign(window, std::move(thumbnail));

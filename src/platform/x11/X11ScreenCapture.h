@@ -20,6 +20,7 @@
 
 #include "platform/RunLoopPort.h"
 #include "platform/ScreenCapturePort.h"
+#include "platform/linux/WindowThumbnail.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11Screens.h"
 #include "platform/x11/X11WindowModel.h"
@@ -45,12 +46,7 @@ class X11ScreenCapture final : public ScreenCapturePort,
 
     // Pixels of the last thumbnail of a window, ARGB row by row, while that window lives;
     // nothing for any other identifier.
-    struct Thumbnail {
-        std::uint64_t identifier = 0;
-        int width = 0, height = 0;
-        std::vector<std::uint32_t> pixels;
-    };
-    const Thumbnail* thumbnail(std::uint64_t identifier) const;
+    const WindowThumbnail* thumbnail(std::uint64_t identifier) const;
 
   private:
     std::optional<ImageHandle> capture(WindowIdentifier identifier, int width, int height);
@@ -70,7 +66,7 @@ class X11ScreenCapture final : public ScreenCapturePort,
     xcb_render_pictformat_t argbFormat_ = 0;
     std::map<xcb_visualid_t, xcb_render_pictformat_t> visualFormats_;
     std::map<xcb_window_t, xcb_window_t> frames_;
-    std::map<xcb_window_t, Thumbnail> thumbnails_;
+    std::map<xcb_window_t, WindowThumbnail> thumbnails_;
     // Each frame's damage object, and the frames drawn on since their window's last capture.
     std::map<xcb_window_t, std::uint32_t> damages_;
     std::set<xcb_window_t> drawnOn_;
