@@ -124,6 +124,22 @@ TEST(WaylandWindowModelTest, FollowsSwaysWindowsTheirFocusAndActivatesThem) {
     EXPECT_EQ(model.window(closing.window), nullptr);
     model.activate(closing);
     EXPECT_THAT(titlesFrontToBack(model), ElementsAre("Two", "One"));
+
+    // An absurd title comes cut (foot and sway cut it before Orvane's own bound), in whole
+    // characters, and the window is there like any other.
+    std::string absurd;
+    while (absurd.size() < 20000) {
+        absurd += "Überlänge ";
+    }
+    auto long_ = sway.startClient(absurd, "orvane.long");
+    EXPECT_TRUE(pumpUntil(*connection, [&] { return model.frontToBack().size() == 3; }));
+    const auto* longest = model.window(model.frontToBack().front());
+    ASSERT_NE(longest, nullptr);
+    EXPECT_LE(longest->title.size(), 4096u);
+    EXPECT_GT(longest->title.size(), 1000u);
+    EXPECT_EQ(absurd.compare(0, longest->title.size(), longest->title), 0);
+    EXPECT_NE(static_cast<unsigned char>(longest->title.back()), 0xC3);
+    sway.stopProcess(long_);
     sway.stopProcess(one);
     sway.stopProcess(two);
 }

@@ -147,8 +147,9 @@ void WaylandOverlayPanel::orderFrontRegardless() {
     zwlr_layer_surface_v1_set_keyboard_interactivity(layerSurface_, 1);
     zwlr_layer_surface_v1_set_exclusive_zone(layerSurface_, -1);
     scale_ = output_ != nullptr ? output_->scale : 1;
-    log().debug("overlay panel %{public}.0fx%{public}.0f at scale %{public}d", onScreen_.size.width,
-                onScreen_.size.height, scale_);
+    log().debug("overlay panel %{public}dx%{public}d at scale %{public}d",
+                static_cast<int>(std::ceil(onScreen_.size.width)),
+                static_cast<int>(std::ceil(onScreen_.size.height)), scale_);
     wl_surface_set_buffer_scale(surface_, scale_);
     isConfigured_ = false;
     // The size and place go with the first commit; the picture follows the compositor's answer.
