@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <map>
 #include <optional>
 #include <vector>
@@ -29,6 +30,25 @@ class SwitcherOverlayViewModel {
     // With a value the overlay shows the launcher instead of the cards. Written with `replace`:
     // every write is told.
     Observable<std::optional<LauncherOverlayPresentation>> launcherPresentation;
+
+    // Calls `changed` after a change of any field, until the returned calls are made: what a view
+    // that redraws the whole model needs.
+    std::vector<std::function<void()>> observeEveryField(const std::function<void()>& changed) {
+        std::vector<std::function<void()>> unsubscribers;
+        auto follow = [&](auto& observable) {
+            const auto token = observable.subscribe([changed](const auto&) { changed(); });
+            unsubscribers.push_back([&observable, token] { observable.unsubscribe(token); });
+        };
+        follow(windows);
+        follow(selectedIndex);
+        follow(thumbnailsByWindowIdentifier);
+        follow(layoutStyle);
+        follow(cardSize);
+        follow(thumbnailsEnabled);
+        follow(columnCount);
+        follow(launcherPresentation);
+        return unsubscribers;
+    }
 
     // The window at `selectedIndex`, when the index lies inside `windows`.
     std::optional<SwitchableWindow> selectedWindow() const {

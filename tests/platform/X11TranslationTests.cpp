@@ -3,9 +3,9 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/linux/XkbComposeInput.h"
 #include "platform/linux/XkbKeyTranslation.h"
 #include "platform/x11/X11PropertyParsing.h"
+#include "platform/x11/XkbComposeInput.h"
 
 namespace orvane {
 namespace {

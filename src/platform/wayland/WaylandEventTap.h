@@ -18,9 +18,9 @@
 #include "core/PreferencesProviding.h"
 #include "platform/EventTapPort.h"
 #include "platform/ExternalGesture.h"
-#include "platform/linux/XkbComposeInput.h"
 #include "platform/wayland/SwayIpc.h"
 #include "platform/wayland/WaylandConnection.h"
+#include "platform/x11/XkbComposeInput.h"
 
 namespace orvane {
 

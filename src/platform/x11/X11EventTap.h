@@ -18,8 +18,8 @@
 #include "core/PreferencesProviding.h"
 #include "platform/EventTapPort.h"
 #include "platform/ExternalGesture.h"
-#include "platform/linux/XkbComposeInput.h"
 #include "platform/x11/X11Connection.h"
+#include "platform/x11/XkbComposeInput.h"
 
 namespace orvane {
 

@@ -175,18 +175,7 @@ void QtOverlayPanel::attach(std::shared_ptr<SwitcherOverlayViewModel> viewModel,
                             std::shared_ptr<const OverlayViewBuilder> builder) {
     viewModel_ = std::move(viewModel);
     builder_ = std::move(builder);
-    auto follow = [this](auto& observable) {
-        const auto token = observable.subscribe([this](const auto&) { rebuild(); });
-        unsubscribers_.push_back([&observable, token] { observable.unsubscribe(token); });
-    };
-    follow(viewModel_->windows);
-    follow(viewModel_->selectedIndex);
-    follow(viewModel_->thumbnailsByWindowIdentifier);
-    follow(viewModel_->layoutStyle);
-    follow(viewModel_->cardSize);
-    follow(viewModel_->thumbnailsEnabled);
-    follow(viewModel_->columnCount);
-    follow(viewModel_->launcherPresentation);
+    unsubscribers_ = viewModel_->observeEveryField([this] { rebuild(); });
     QTimer::singleShot(0, surface_.get(), [this] { rehearse(); });
 }
 

@@ -75,18 +75,7 @@ void WaylandOverlayPanel::attach(std::shared_ptr<SwitcherOverlayViewModel> viewM
                                  std::shared_ptr<const OverlayViewBuilder> builder) {
     viewModel_ = std::move(viewModel);
     builder_ = std::move(builder);
-    auto follow = [this](auto& observable) {
-        const auto token = observable.subscribe([this](const auto&) { rebuild(); });
-        unsubscribers_.push_back([&observable, token] { observable.unsubscribe(token); });
-    };
-    follow(viewModel_->windows);
-    follow(viewModel_->selectedIndex);
-    follow(viewModel_->thumbnailsByWindowIdentifier);
-    follow(viewModel_->layoutStyle);
-    follow(viewModel_->cardSize);
-    follow(viewModel_->thumbnailsEnabled);
-    follow(viewModel_->columnCount);
-    follow(viewModel_->launcherPresentation);
+    unsubscribers_ = viewModel_->observeEveryField([this] { rebuild(); });
 }
 
 void WaylandOverlayPanel::rebuild() {
@@ -98,7 +87,6 @@ void WaylandOverlayPanel::rebuild() {
 
 void WaylandOverlayPanel::setFrame(const Rect& frame, bool display) {
     frame_ = frame;
-    size_ = frame.size;
     scroll_ = 0;
     onScreen_ = screens_.toCompositor(frame);
     output_ = screens_.outputAt(onScreen_);
@@ -233,7 +221,7 @@ void WaylandOverlayPanel::present() {
     if (buffer == nullptr) {
         return;
     }
-    auto data = builder_->build(*viewModel_, size_);
+    auto data = builder_->build(*viewModel_, frame_.size);
     const QRect whole(0, 0, static_cast<int>(std::ceil(onScreen_.size.width)),
                       static_cast<int>(std::ceil(onScreen_.size.height)));
     // A panel cut to its output scrolls to keep the selected card in sight.

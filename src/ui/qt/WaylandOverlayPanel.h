@@ -59,10 +59,8 @@ class WaylandOverlayPanel final : public OverlayPanelPort {
     std::vector<std::function<void()>> unsubscribers_;
     QTimer pendingRebuild_;
 
-    // The panel's frame as the logic gave it, its size in points, and where it stands in the
-    // compositor's coordinates.
+    // The panel's frame as the logic gave it, and where it stands in the compositor's coordinates.
     Rect frame_;
-    Size size_;
     Rect onScreen_;
     // The panel's line at the surface's top, when the panel is cut to its output.
     int scroll_ = 0;

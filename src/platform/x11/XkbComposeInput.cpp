@@ -1,4 +1,4 @@
-#include "platform/linux/XkbComposeInput.h"
+#include "platform/x11/XkbComposeInput.h"
 
 #include <cstdlib>
 

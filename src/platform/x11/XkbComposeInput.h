@@ -1,6 +1,7 @@
 // Dead keys and compose sequences, as the user's locale defines them: keys fed in while a sequence
 // is under way give no text, and its last key gives the composed text. Without a compose table
-// for the locale, each key gives its own text.
+// for the locale, each key gives its own text. Both keyboards speak XKB: the Wayland backend uses
+// it too.
 #pragma once
 
 #include <xkbcommon/xkbcommon-compose.h>
