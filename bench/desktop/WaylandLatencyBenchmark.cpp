@@ -1,22 +1,26 @@
-// The switcher on a headless sway, measured from outside: foot windows, keys through wtype, and a
-// probe that hears each binding event from sway's IPC as the key's moment and takes the next
-// damaged frame of the output through screencopy as the moment the screen changed. Orvane runs
-// beside a minimal program that maps a prepared layer-shell surface of Orvane's panel size on the
-// same binding.
+// The switcher on a headless sway, measured from outside: foot windows, and a probe that types
+// through a virtual keyboard of its own, so it knows each key's moment. It takes the next damaged
+// frame of the output through screencopy as the moment the screen changed, and the next toplevel
+// activated as the moment the chosen window came forward. Orvane runs beside a minimal program
+// that maps a prepared layer-shell surface of Orvane's panel size on the same binding.
 //   orvane_wayland_benchmark [TRIALS]
-// Prints for 6 and 30 windows the median and 90th percentile of: binding to overlay on screen,
-// for both, and binding to repaint for Orvane's second Tab; then Orvane's CPU time and wake-ups
-// over 30 idle seconds with 30 windows.
+// Prints for 6 and 30 windows the median and 90th percentile of: key to overlay on screen, for
+// both, and for Orvane Tab to repaint and the release to the chosen window activated; then
+// Orvane's CPU time and wake-ups over 30 idle seconds with 30 windows.
 
+#include <linux/input-event-codes.h>
 #include <poll.h>
 #include <sys/mman.h>
 #include <unistd.h>
+#include <xkbcommon/xkbcommon.h>
 
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
+#include <functional>
 #include <optional>
 #include <sstream>
 #include <string>
@@ -26,8 +30,9 @@
 #include "../../tests/common/ChildProcess.h"
 #include "LatencySample.h"
 #include "SwaySession.h"
-#include "platform/wayland/SwayIpc.h"
 #include "platform/wayland/WaylandConnection.h"
+#include "platform/wayland/WaylandWindowModel.h"
+#include "virtual-keyboard-unstable-v1-client-protocol.h"
 #include "wlr-screencopy-unstable-v1-client-protocol.h"
 
 namespace {
@@ -41,52 +46,125 @@ double milliseconds(Clock::duration duration) {
 
 using Sample = orvane::bench::LatencySample;
 
-// Hears the bindings and watches the output for the next frame that changed.
+// Types the gestures, and watches the screen and the toplevels for what they did.
 class Probe {
   public:
     explicit Probe(SwaySession& sway)
-        : connection_(orvane::WaylandConnection::connect(sway.display().c_str())),
-          events_(orvane::SwayIpc::connect(sway.ipcSocket())) {
-        if (events_) {
-            events_->request(orvane::SwayIpc::Request::subscribe, R"(["binding"])");
+        : connection_(orvane::WaylandConnection::connect(sway.display().c_str())) {
+        if (!connection_ || connection_->seat() == nullptr) {
+            return;
+        }
+        windows_ = std::make_unique<orvane::WaylandWindowModel>(*connection_);
+        windows_->addListener([this](orvane::DesktopWindows::ChangeKind kind,
+                                     const orvane::DesktopWindows::Window& window) {
+            if (kind == orvane::DesktopWindows::ChangeKind::activated) {
+                activated_ = {window.window, Clock::now()};
+            }
+        });
+        auto* keyboards = static_cast<zwp_virtual_keyboard_manager_v1*>(
+            connection_->bindGlobal(zwp_virtual_keyboard_manager_v1_interface, 1));
+        if (keyboards != nullptr) {
+            keyboard_ = zwp_virtual_keyboard_manager_v1_create_virtual_keyboard(
+                keyboards, connection_->seat());
+            zwp_virtual_keyboard_manager_v1_destroy(keyboards);
+            giveKeymap();
+        }
+        connection_->roundtrip();
+    }
+    ~Probe() {
+        release();
+        if (keyboard_ != nullptr) {
+            zwp_virtual_keyboard_v1_destroy(keyboard_);
+            connection_->roundtrip();
         }
     }
-    // Drops the binding events heard so far.
-    void forget() {
-        connection_->dispatchAvailable();
-        events_->readEvents([](orvane::SwayIpc::Event, const nlohmann::json&) {});
-    }
+    Probe(const Probe&) = delete;
+    Probe& operator=(const Probe&) = delete;
+
     bool isReady() const {
-        return connection_ && events_ && connection_->screencopyManager() != nullptr &&
-               !connection_->outputs().empty();
+        return keyboard_ != nullptr && altMask_ != 0 &&
+               connection_->screencopyManager() != nullptr && !connection_->outputs().empty();
     }
 
-    // Milliseconds from the next binding event to the next frame that changed the screen after
-    // it; nothing within two seconds.
-    std::optional<double> bindingToFrame() {
-        std::optional<Clock::time_point> binding;
-        const auto end = Clock::now() + std::chrono::seconds(2);
-        pump(end, [&] {
-            events_->readEvents([&](orvane::SwayIpc::Event, const nlohmann::json&) {
-                if (!binding) {
-                    binding = Clock::now();
-                }
-            });
-            return binding.has_value();
-        });
-        if (!binding) {
-            return std::nullopt;
-        }
+    void holdAlt(bool down) {
+        zwp_virtual_keyboard_v1_modifiers(keyboard_, down ? altMask_ : 0, 0, 0, 0);
+    }
+    void tapTab() {
+        zwp_virtual_keyboard_v1_key(keyboard_, time(), KEY_TAB, WL_KEYBOARD_KEY_STATE_PRESSED);
+        zwp_virtual_keyboard_v1_key(keyboard_, time(), KEY_TAB, WL_KEYBOARD_KEY_STATE_RELEASED);
+    }
+    void pause(std::chrono::milliseconds length) {
+        pump(Clock::now() + length, [] { return false; });
+    }
+
+    // Milliseconds from typing `keys` to the next frame that changed the screen; nothing within
+    // two seconds.
+    std::optional<double> toFrame(const std::function<void()>& keys) {
         arm();
-        pump(end, [&] { return readyAt_.has_value(); });
+        const auto typed = type(keys);
+        pump(typed + std::chrono::seconds(2), [&] { return readyAt_.has_value(); });
         release();
         if (!readyAt_ || *readyAt_ == Clock::time_point{}) {
             return std::nullopt;
         }
-        return milliseconds(*readyAt_ - *binding);
+        return milliseconds(*readyAt_ - typed);
+    }
+    // Milliseconds from typing `keys` to another window than the one active before `since`
+    // activated; nothing within two seconds.
+    std::optional<double> toActivated(std::optional<orvane::DesktopWindows::Handle> since,
+                                      const std::function<void()>& keys) {
+        activated_.reset();
+        const auto typed = type(keys);
+        pump(typed + std::chrono::seconds(2),
+             [&] { return activated_ && activated_->first != since; });
+        if (!activated_ || activated_->first == since) {
+            return std::nullopt;
+        }
+        return milliseconds(activated_->second - typed);
+    }
+    std::optional<orvane::DesktopWindows::Handle> activeWindow() {
+        connection_->dispatchAvailable();
+        return windows_->activeWindow();
     }
 
   private:
+    // The keymap the virtual keyboard speaks: the system's default layout.
+    void giveKeymap() {
+        auto* context = xkb_context_new(XKB_CONTEXT_NO_FLAGS);
+        auto* keymap = context == nullptr ? nullptr
+                                          : xkb_keymap_new_from_names(context, nullptr,
+                                                                      XKB_KEYMAP_COMPILE_NO_FLAGS);
+        char* text = keymap == nullptr
+                         ? nullptr
+                         : xkb_keymap_get_as_string(keymap, XKB_KEYMAP_FORMAT_TEXT_V1);
+        const int descriptor = ::memfd_create("keymap", MFD_CLOEXEC);
+        if (text != nullptr && descriptor >= 0) {
+            const auto size = std::strlen(text) + 1;
+            if (::write(descriptor, text, size) == static_cast<ssize_t>(size)) {
+                zwp_virtual_keyboard_v1_keymap(keyboard_, WL_KEYBOARD_KEYMAP_FORMAT_XKB_V1,
+                                               descriptor, static_cast<std::uint32_t>(size));
+                altMask_ = 1u << xkb_keymap_mod_get_index(keymap, XKB_MOD_NAME_ALT);
+            }
+        }
+        if (descriptor >= 0) {
+            ::close(descriptor);
+        }
+        std::free(text);
+        xkb_keymap_unref(keymap);
+        xkb_context_unref(context);
+    }
+    Clock::time_point type(const std::function<void()>& keys) {
+        connection_->dispatchAvailable();
+        const auto typed = Clock::now();
+        keys();
+        connection_->flush();
+        return typed;
+    }
+    static std::uint32_t time() {
+        return static_cast<std::uint32_t>(
+            std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now().time_since_epoch())
+                .count());
+    }
     // Asks for the next frame with damage: it comes once the screen changes.
     void arm() {
         frame_ = zwlr_screencopy_manager_v1_capture_output(connection_->screencopyManager(), 0,
@@ -118,14 +196,12 @@ class Probe {
         connection_->flush();
         // The buffer's offer comes first; the copy waits for damage from then on.
         pump(Clock::now() + std::chrono::milliseconds(200), [&] { return copying_; });
-        events_->readEvents([](orvane::SwayIpc::Event, const nlohmann::json&) {});
     }
     template <typename Done>
     void pump(Clock::time_point end, Done done) {
         while (!done() && Clock::now() < end) {
-            pollfd descriptors[2] = {{connection_->fileDescriptor(), POLLIN, 0},
-                                     {events_->fileDescriptor(), POLLIN, 0}};
-            ::poll(descriptors, 2, 5);
+            pollfd descriptor{connection_->fileDescriptor(), POLLIN, 0};
+            ::poll(&descriptor, 1, 5);
             connection_->dispatchAvailable();
         }
     }
@@ -157,7 +233,10 @@ class Probe {
     }
 
     std::unique_ptr<orvane::WaylandConnection> connection_;
-    std::unique_ptr<orvane::SwayIpc> events_;
+    std::unique_ptr<orvane::WaylandWindowModel> windows_;
+    zwp_virtual_keyboard_v1* keyboard_ = nullptr;
+    std::uint32_t altMask_ = 0;
+    std::optional<std::pair<orvane::DesktopWindows::Handle, Clock::time_point>> activated_;
     zwlr_screencopy_frame_v1* frame_ = nullptr;
     wl_buffer* buffer_ = nullptr;
     std::uint32_t format_ = 0;
@@ -167,33 +246,38 @@ class Probe {
 };
 
 struct Results {
-    Sample shown, repainted;
+    Sample shown, repainted, activated;
 };
 
-// Each trial: Alt down, Tab, a pause, Tab again, a pause, Alt up, in one wtype call.
-Results measure(SwaySession& sway, int trials, bool repaint) {
+// Each trial: Alt down and Tab, a pause, Tab again, a pause, Alt up. Only Orvane is asked for the
+// second Tab and the release: the minimal program hides by itself.
+Results measure(SwaySession& sway, int trials, bool switcher) {
     Probe probe(sway);
     Results results;
     if (!probe.isReady()) {
-        std::fprintf(stderr, "the probe could not watch the screen\n");
+        std::fprintf(stderr, "the probe could not type or watch the screen\n");
         return results;
     }
+    const auto record = [](Sample& sample, std::optional<double> value) {
+        if (value) {
+            sample.values.push_back(*value);
+        }
+    };
     for (int trial = 0; trial < trials; ++trial) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(200));
-        probe.forget();
-        std::thread keys([&] {
-            sway.type(
-                {"-M", "alt", "-k", "Tab", "-s", "300", "-k", "Tab", "-s", "300", "-m", "alt"});
-        });
-        if (const auto shown = probe.bindingToFrame()) {
-            results.shown.values.push_back(*shown);
+        probe.pause(std::chrono::milliseconds(200));
+        const auto before = probe.activeWindow();
+        record(results.shown, probe.toFrame([&] {
+            probe.holdAlt(true);
+            probe.tapTab();
+        }));
+        probe.pause(std::chrono::milliseconds(300));
+        if (!switcher) {
+            probe.holdAlt(false);
+            continue;
         }
-        if (repaint) {
-            if (const auto repainted = probe.bindingToFrame()) {
-                results.repainted.values.push_back(*repainted);
-            }
-        }
-        keys.join();
+        record(results.repainted, probe.toFrame([&] { probe.tapTab(); }));
+        probe.pause(std::chrono::milliseconds(300));
+        record(results.activated, probe.toActivated(before, [&] { probe.holdAlt(false); }));
     }
     return results;
 }
@@ -239,10 +323,11 @@ int main(int argc, char** argv) {
         return 1;
     }
     std::printf(
-        "Binding to screen on a headless sway (1920x1080), %d trials, median and 90th "
+        "Keys to screen on a headless sway (1920x1080), %d trials, median and 90th "
         "percentile in ms\n",
         trials);
-    std::printf("%-8s %-24s %-16s %-16s\n", "windows", "program", "binding→shown", "Tab→repainted");
+    std::printf("%-8s %-24s %-16s %-16s %-16s\n", "windows", "program", "key→shown",
+                "Tab→repainted", "release→activated");
     std::vector<pid_t> clients;
     for (int windows : {6, 30}) {
         while (static_cast<int>(clients.size()) < windows) {
@@ -271,11 +356,12 @@ int main(int argc, char** argv) {
         const auto yardstick = measure(sway, trials, false);
         orvane::testing::stopChild(minimal);
         sway.swaymsg({"unbindsym", "Mod1+Tab"});
-        std::printf("%-8d %-24s %-16s %-16s\n", windows,
+        std::printf("%-8d %-24s %-16s\n", windows,
                     ("minimal " + std::to_string(width) + "x" + std::to_string(height)).c_str(),
-                    yardstick.shown.summary().c_str(), "");
-        std::printf("%-8d %-24s %-16s %-16s\n", windows, "orvane", orvane.shown.summary().c_str(),
-                    orvane.repainted.summary().c_str());
+                    yardstick.shown.summary().c_str());
+        std::printf("%-8d %-24s %-16s %-16s %-16s\n", windows, "orvane",
+                    orvane.shown.summary().c_str(), orvane.repainted.summary().c_str(),
+                    orvane.activated.summary().c_str());
     }
     if (!sway.startProgram()) {
         return 1;

@@ -185,6 +185,13 @@ TEST(WaylandProgramTest, SwitchesLaunchesAndLetsGoOfItsKeysOnSway) {
     EXPECT_EQ(focusAfter({"-M", "alt", "-k", "Tab", "-s", "150", "-k", "Escape", "-s", "150", "-m",
                           "alt"}),
               "One");
+    // A held arrow repeats at the compositor's pace: here once in 0.8 s (after 0.3 s, then one a
+    // second), which takes the selection round the three windows back to the first.
+    sway.swaymsg({"input", "type:keyboard", "repeat_delay", "300"});
+    sway.swaymsg({"input", "type:keyboard", "repeat_rate", "1"});
+    EXPECT_EQ(focusAfter({"-M", "alt", "-k", "Tab", "-s", "150", "-P", "Right", "-s", "800", "-p",
+                          "Right", "-s", "150", "-m", "alt"}),
+              "One");
 
     // While the overlay is up it has the keyboard: no window has the focus.
     std::thread gesture([&] { sway.type({"-M", "alt", "-k", "Tab", "-s", "900", "-m", "alt"}); });

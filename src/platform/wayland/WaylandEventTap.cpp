@@ -84,6 +84,7 @@ struct WaylandEventTap::Listeners {
     static void leave(void* data, wl_keyboard*, std::uint32_t, wl_surface*) {
         auto& tap = of(data);
         tap.hasFocus_ = false;
+        tap.stopRepeating();
         if (tap.compose_) {
             tap.compose_->reset();
         }
@@ -96,7 +97,11 @@ struct WaylandEventTap::Listeners {
                           std::uint32_t latched, std::uint32_t locked, std::uint32_t group) {
         of(data).handleModifiers(depressed, latched, locked, group);
     }
-    static void repeatInfo(void*, wl_keyboard*, std::int32_t, std::int32_t) {}
+    static void repeatInfo(void* data, wl_keyboard*, std::int32_t rate, std::int32_t delay) {
+        auto& tap = of(data);
+        tap.repeatRate_ = std::max(rate, 0);
+        tap.repeatDelay_ = std::max(delay, 0);
+    }
 };
 
 WaylandEventTap::WaylandEventTap(WaylandConnection& connection, SwayIpc* sway,
@@ -118,6 +123,7 @@ WaylandEventTap::WaylandEventTap(WaylandConnection& connection, SwayIpc* sway,
 }
 
 WaylandEventTap::~WaylandEventTap() {
+    stopRepeating();
     if (preferences_ && preferencesObservation_) {
         preferences_->removePreferencesObserver(*preferencesObservation_);
     }
@@ -314,14 +320,14 @@ std::optional<ExternalGesture> WaylandEventTap::gestureOfBinding(const nlohmann:
 }
 
 void WaylandEventTap::deliver(KeyboardEventType type, std::int64_t keyCode,
-                              KeyboardEventFlags flags, std::u16string text) {
+                              KeyboardEventFlags flags, std::u16string text, bool isAutorepeat) {
     if (type == keyboard_event_type::flagsChanged) {
         reportedFlags_ = flags;
     }
     if (callback_ && enabled_) {
         // Kept alive through the call: the logic may remove the tap from inside it.
         auto callback = callback_;
-        callback(type, LinuxKeyboardEvent(keyCode, flags, false, std::move(text)));
+        callback(type, LinuxKeyboardEvent(keyCode, flags, isAutorepeat, std::move(text)));
     }
 }
 
@@ -442,8 +448,48 @@ void WaylandEventTap::handleKey(std::uint32_t key, bool isPress) {
         xkb_state_key_get_utf8(state_, keycode, buffer, sizeof buffer);
         text = utf16(compose_ ? compose_->feed(keysym, buffer) : buffer);
     }
+    if (isPress) {
+        startRepeating(keycode);
+    } else if (repeating_ && repeating_->keycode == keycode) {
+        stopRepeating();
+    }
     deliver(isPress ? keyboard_event_type::keyDown : keyboard_event_type::keyUp,
             storedKeyCodeOf(keycode), flags, std::move(text));
+}
+
+void WaylandEventTap::startRepeating(xkb_keycode_t keycode) {
+    stopRepeating();
+    if (repeatRate_ <= 0 || keymap_ == nullptr || !xkb_keymap_key_repeats(keymap_, keycode)) {
+        return;
+    }
+    // Wayland leaves repeat to the client: the compositor only says how fast.
+    repeating_ = Repeating{
+        keycode, runLoop_->scheduleTimer(repeatDelay_ / 1000.0, false, 0.0, [this, keycode] {
+            if (!repeating_) {
+                return;
+            }
+            repeating_->timer = runLoop_->scheduleTimer(1.0 / repeatRate_, true, 0.0,
+                                                        [this, keycode] { repeat(keycode); });
+            repeat(keycode);
+        })};
+}
+
+void WaylandEventTap::stopRepeating() {
+    if (repeating_) {
+        runLoop_->cancelTimer(repeating_->timer);
+        repeating_.reset();
+    }
+}
+
+void WaylandEventTap::repeat(xkb_keycode_t keycode) {
+    if (state_ == nullptr || !hasFocus_) {
+        stopRepeating();
+        return;
+    }
+    char buffer[64] = {};
+    xkb_state_key_get_utf8(state_, keycode, buffer, sizeof buffer);
+    deliver(keyboard_event_type::keyDown, storedKeyCodeOf(keycode), currentFlags(), utf16(buffer),
+            true);
 }
 
 }  // namespace orvane

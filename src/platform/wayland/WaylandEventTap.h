@@ -73,11 +73,14 @@ class WaylandEventTap final : public EventTapPort {
     void installBindings();
     void removeBindings();
     void deliver(KeyboardEventType type, std::int64_t keyCode, KeyboardEventFlags flags,
-                 std::u16string text);
+                 std::u16string text, bool isAutorepeat = false);
     KeyboardEventFlags currentFlags() const;
     std::int64_t storedKeyCodeOf(xkb_keycode_t keycode) const;
     void takeKeymap(int descriptor, std::uint32_t size);
     void handleKey(std::uint32_t key, bool isPress);
+    void startRepeating(xkb_keycode_t keycode);
+    void stopRepeating();
+    void repeat(xkb_keycode_t keycode);
     void handleModifiers(std::uint32_t depressed, std::uint32_t latched, std::uint32_t locked,
                          std::uint32_t group);
 
@@ -104,6 +107,14 @@ class WaylandEventTap final : public EventTapPort {
     EventTapHandle lastHandle_ = 0;
     KeyboardEventFlags reportedFlags_ = 0;
     bool hasFocus_ = false;
+    // The key held down that repeats, at the compositor's rate (keys a second) after its delay
+    // (milliseconds).
+    struct Repeating {
+        xkb_keycode_t keycode = 0;
+        TimerToken timer = 0;
+    };
+    std::optional<Repeating> repeating_;
+    std::int32_t repeatRate_ = 25, repeatDelay_ = 600;
     // The bindings sway holds for Orvane, as sway names them ("Mod1+Tab").
     std::vector<std::string> installed_;
 };
