@@ -37,8 +37,9 @@ void onSignal(int) {
 // manager or compositor would.
 int sendGesture(int argc, char** argv, const std::string& name) {
     if (!orvane::externalGestureNamed(name)) {
-        std::cerr << "orvane: unknown gesture \"" << name
-                  << "\"; use next, previous, same-application or launcher\n";
+        std::cerr
+            << "orvane: unknown gesture \"" << name
+            << "\"; use next, previous, same-application, same-application-previous or launcher\n";
         return 2;
     }
     QCoreApplication application(argc, argv);
@@ -104,7 +105,8 @@ int main(int argc, char** argv) {
             forced = value == "x11" ? Backend::x11 : Backend::wayland;
         } else if (argument == "--help") {
             std::cout << "usage: orvane [--log-level debug|info|error] [--backend x11|wayland]\n"
-                         "       orvane --gesture next|previous|same-application|launcher\n"
+                         "       orvane --gesture "
+                         "next|previous|same-application|same-application-previous|launcher\n"
                          "Hold Alt and tap Tab to switch windows; Alt-Space searches them.\n"
                          "--gesture hands a gesture to the running Orvane, for a shortcut of\n"
                          "your window manager's own; a held Alt then keeps the switcher open.\n";

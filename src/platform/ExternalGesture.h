@@ -12,9 +12,10 @@
 
 namespace orvane {
 
-enum class ExternalGesture { next, previous, sameApplication, launcher };
+enum class ExternalGesture { next, previous, sameApplication, sameApplicationPrevious, launcher };
 
-// The gesture a command line names ("next", "previous", "same-application", "launcher").
+// The gesture a command line names ("next", "previous", "same-application",
+// "same-application-previous", "launcher").
 inline std::optional<ExternalGesture> externalGestureNamed(std::string_view name) {
     if (name == "next") {
         return ExternalGesture::next;
@@ -24,6 +25,9 @@ inline std::optional<ExternalGesture> externalGestureNamed(std::string_view name
     }
     if (name == "same-application") {
         return ExternalGesture::sameApplication;
+    }
+    if (name == "same-application-previous") {
+        return ExternalGesture::sameApplicationPrevious;
     }
     if (name == "launcher") {
         return ExternalGesture::launcher;
@@ -57,6 +61,8 @@ inline GestureChord chordOfGesture(ExternalGesture gesture,
             return {shortcut.triggerKeyCode, hold | keyboard_event_flag::shift};
         case ExternalGesture::sameApplication:
             return {gesture_key::grave, hold};
+        case ExternalGesture::sameApplicationPrevious:
+            return {gesture_key::grave, hold | keyboard_event_flag::shift};
         case ExternalGesture::launcher:
             return {gesture_key::space, keyboard_event_flag::option};
     }

@@ -220,6 +220,10 @@ TEST(WaylandProgramTest, SwitchesLaunchesAndLetsGoOfItsKeysOnSway) {
     // reaches the focused window again.
     const auto altTab = [&] { sway.type({"-M", "alt", "-k", "Tab", "-s", "100", "-m", "alt"}); };
     EXPECT_THAT(sway.bindingEventsWhile(altTab), ::testing::HasSubstr("nop orvane next"));
+    EXPECT_THAT(sway.bindingEventsWhile([&] {
+        sway.type({"-M", "alt", "-M", "shift", "-k", "grave", "-m", "shift", "-m", "alt"});
+    }),
+                ::testing::HasSubstr("nop orvane same-application-previous"));
     std::this_thread::sleep_for(std::chrono::milliseconds(300));
     sway.stopProgram();
     EXPECT_THAT(sway.bindingEventsWhile(altTab), ::testing::Not(::testing::HasSubstr("orvane")));

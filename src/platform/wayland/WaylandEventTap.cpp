@@ -35,6 +35,8 @@ const char* gestureName(ExternalGesture gesture) {
             return "previous";
         case ExternalGesture::sameApplication:
             return "same-application";
+        case ExternalGesture::sameApplicationPrevious:
+            return "same-application-previous";
         case ExternalGesture::launcher:
             return "launcher";
     }
@@ -243,8 +245,9 @@ std::optional<std::string> WaylandEventTap::keysymName(std::uint16_t storedKeyCo
 std::vector<WaylandEventTap::Chord> WaylandEventTap::chords() const {
     const auto preferences = preferences_ ? preferences_->preferences() : SwitcherPreferences{};
     std::vector<Chord> result;
-    for (auto gesture : {ExternalGesture::next, ExternalGesture::previous,
-                         ExternalGesture::sameApplication, ExternalGesture::launcher}) {
+    for (auto gesture :
+         {ExternalGesture::next, ExternalGesture::previous, ExternalGesture::sameApplication,
+          ExternalGesture::sameApplicationPrevious, ExternalGesture::launcher}) {
         const auto chord = chordOfGesture(gesture, preferences.shortcutConfiguration);
         auto key = keysymName(static_cast<std::uint16_t>(chord.storedKeyCode));
         if (!key) {
