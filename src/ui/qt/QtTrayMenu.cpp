@@ -13,6 +13,13 @@ QtTrayMenu::QtTrayMenu(MenuBarScene& scene, Wording wording, QIcon icon)
     tray_.setIcon(icon);
     tray_.setToolTip(QString::fromStdString(scene_.title()));
     tray_.setContextMenu(&menu_);
+    // The icon's own click opens Settings; the menu is the other button's.
+    QObject::connect(&tray_, &QSystemTrayIcon::activated,
+                     [this](QSystemTrayIcon::ActivationReason reason) {
+                         if (reason == QSystemTrayIcon::Trigger) {
+                             scene_.content().choose(MenuAction::settings);
+                         }
+                     });
     // The entries read the permissions as they are drawn: drawn again each time the menu opens.
     QObject::connect(&menu_, &QMenu::aboutToShow, [this] { rebuild(); });
     // Later, never inside the handler of an entry that the rebuild would delete.
