@@ -63,8 +63,10 @@ WaylandProgram::WaylandProgram(std::unique_ptr<WaylandConnection> connection,
             : std::nullopt);
     screenCapture_ =
         std::make_shared<WaylandScreenCapture>(*connection_, *model_, *screens_, shell_.runLoop());
-    screenCapture_->setCoveredQuery([this] {
-        return overlayPanel_->isShown() || (shell_.isRunning() && shell_.isSessionActive());
+    screenCapture_->setCoverQuery([this] {
+        return WaylandScreenCapture::Cover{
+            overlayPanel_->isShown() || (shell_.isRunning() && shell_.isSessionActive()),
+            overlayPanel_->appearances()};
     });
     const std::string compositor = swayCommands_ ? "sway" : "";
     permissions_ = std::make_shared<LinuxPermissions>(LinuxPermissions::Conditions{

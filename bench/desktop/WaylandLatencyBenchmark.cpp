@@ -366,7 +366,8 @@ int main(int argc, char** argv) {
     if (!sway.startProgram()) {
         return 1;
     }
-    std::this_thread::sleep_for(std::chrono::seconds(3));
+    // The previews' copies after start (one at once, one on change two seconds later) are over.
+    std::this_thread::sleep_for(std::chrono::seconds(6));
     const auto program = sway.programProcess();
     const auto start = usage(program);
     std::this_thread::sleep_for(std::chrono::seconds(30));

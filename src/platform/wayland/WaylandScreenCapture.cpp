@@ -19,6 +19,8 @@ const Logger& log() {
 }
 
 constexpr std::int64_t largestSide = 4096;
+// A screen that keeps changing (a video, a build's output) is copied this often at most.
+constexpr double watchSeconds = 2.0;
 
 }  // namespace
 
@@ -33,6 +35,10 @@ struct WaylandScreenCapture::Capture {
     std::uint32_t format = 0;
     int sourceWidth = 0, sourceHeight = 0, stride = 0;
     bool isInverted = false;
+    // Waits for the output to change rather than copying the next frame.
+    bool onChange = false;
+    // How many times the overlay had gone up when the copy was asked for.
+    std::uint64_t coverings = 0;
 
     ~Capture() {
         if (frame != nullptr) {
@@ -99,7 +105,11 @@ struct WaylandScreenCapture::Capture {
         buffer = wl_shm_pool_create_buffer(pool, 0, sourceWidth, sourceHeight, stride, format);
         wl_shm_pool_destroy(pool);
         ::close(descriptor);
-        zwlr_screencopy_frame_v1_copy(frame, buffer);
+        if (onChange) {
+            zwlr_screencopy_frame_v1_copy_with_damage(frame, buffer);
+        } else {
+            zwlr_screencopy_frame_v1_copy(frame, buffer);
+        }
         owner->connection_.flush();
     }
 };
@@ -116,7 +126,11 @@ WaylandScreenCapture::WaylandScreenCapture(WaylandConnection& connection, Waylan
         });
 }
 
-WaylandScreenCapture::~WaylandScreenCapture() = default;
+WaylandScreenCapture::~WaylandScreenCapture() {
+    if (watch_) {
+        runLoop_->cancelTimer(*watch_);
+    }
+}
 
 bool WaylandScreenCapture::preflightScreenCaptureAccess() const {
     return connection_.screencopyManager() != nullptr && connection_.sharedMemory() != nullptr;
@@ -178,7 +192,30 @@ void WaylandScreenCapture::captureImage(const ContentFilter& filter,
 }
 
 void WaylandScreenCapture::refresh() {
-    if (!preflightScreenCaptureAccess() || !captures_.empty() || (isCovered_ && isCovered_())) {
+    // A copy waiting for a change gives way to one now.
+    std::erase_if(captures_, [](const auto& capture) { return capture->onChange; });
+    if (captures_.empty()) {
+        capture(false);
+    }
+}
+
+void WaylandScreenCapture::watchLater() {
+    if (watch_ || !captures_.empty()) {
+        return;
+    }
+    watch_ = runLoop_->scheduleTimer(watchSeconds, false, 0.5, [this] {
+        watch_.reset();
+        if (cover().isUp) {
+            watchLater();
+        } else if (captures_.empty()) {
+            capture(true);
+        }
+    });
+}
+
+void WaylandScreenCapture::capture(bool onChange) {
+    const auto now = cover();
+    if (!preflightScreenCaptureAccess() || now.isUp) {
         return;
     }
     static const zwlr_screencopy_frame_v1_listener listener{
@@ -188,6 +225,8 @@ void WaylandScreenCapture::refresh() {
         auto capture = std::make_unique<Capture>();
         capture->owner = this;
         capture->output = output.get();
+        capture->onChange = onChange;
+        capture->coverings = now.times;
         capture->frame = zwlr_screencopy_manager_v1_capture_output(connection_.screencopyManager(),
                                                                    0, output->output);
         zwlr_screencopy_frame_v1_add_listener(capture->frame, &listener, capture.get());
@@ -197,7 +236,8 @@ void WaylandScreenCapture::refresh() {
 }
 
 void WaylandScreenCapture::finish(Capture& capture, bool succeeded) {
-    if (succeeded && capture.memory != nullptr && !(isCovered_ && isCovered_())) {
+    const auto now = cover();
+    if (succeeded && capture.memory != nullptr && !now.isUp && now.times == capture.coverings) {
         cutOut(capture);
     } else {
         log().debug("the compositor copied no picture of an output for previews");
@@ -206,6 +246,7 @@ void WaylandScreenCapture::finish(Capture& capture, bool succeeded) {
     runLoop_->post([weak = weak_from_this(), done = &capture] {
         if (auto self = weak.lock()) {
             std::erase_if(self->captures_, [done](const auto& held) { return held.get() == done; });
+            self->watchLater();
         }
     });
 }

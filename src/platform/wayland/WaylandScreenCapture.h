@@ -1,9 +1,9 @@
 // Window previews on a wlroots compositor. A screencopy takes what the output shows, the overlay
-// included, so windows are captured while no overlay is up (`refresh`, after the windows or
-// workspaces changed): each visible window with a known frame is cut out of one copy of its
-// output, in shared memory, and scaled down with pixman. A capture asked for answers the window's
-// last one, or nothing when it never had one. Without screencopy, access is not granted. Main
-// thread only.
+// included, so windows are captured while no overlay is up: at once after the windows or
+// workspaces changed (`refresh`), and otherwise once the screen changes, at most every two seconds.
+// Each visible window with a known frame is cut out of one copy of its output, in shared memory,
+// and scaled down with pixman. A capture asked for answers the window's last one, or nothing when
+// it never had one. Without screencopy, access is not granted. Main thread only.
 #pragma once
 
 #include <cstdint>
@@ -44,15 +44,25 @@ class WaylandScreenCapture final : public ScreenCapturePort,
     // lives; nothing for any other identifier.
     const WindowThumbnail* thumbnail(std::uint64_t identifier) const;
 
-    // Captures every window the outputs show now, unless `isCovered` says the overlay is up. A
-    // copy that comes back while it is up is dropped: it may show the overlay.
+    // Captures every window the outputs show now, unless the overlay is up. A copy is dropped
+    // when the overlay is up as it comes back, or went up meanwhile: it may show the overlay.
     void refresh();
-    void setCoveredQuery(std::function<bool()> isCovered) { isCovered_ = std::move(isCovered); }
+    // Whether the overlay is up, and how many times it has gone up so far.
+    struct Cover {
+        bool isUp = false;
+        std::uint64_t times = 0;
+    };
+    void setCoverQuery(std::function<Cover()> cover) { cover_ = std::move(cover); }
 
   private:
     struct Capture;
 
     std::optional<ImageHandle> lastCapture(DesktopWindows::Handle window) const;
+    Cover cover() const { return cover_ ? cover_() : Cover{}; }
+    // Copies every output: now, or once something on it changes.
+    void capture(bool onChange);
+    // The next copy on change, a while after the last copy.
+    void watchLater();
     void finish(Capture& capture, bool succeeded);
     // Cuts each of the capture's windows out of it and scales it to its preview size.
     void cutOut(const Capture& capture);
@@ -66,7 +76,8 @@ class WaylandScreenCapture final : public ScreenCapturePort,
     std::map<DesktopWindows::Handle, std::pair<int, int>> sizes_;
     std::vector<std::unique_ptr<Capture>> captures_;
     std::uint64_t lastIdentifier_ = 0;
-    std::function<bool()> isCovered_;
+    std::function<Cover()> cover_;
+    std::optional<TimerToken> watch_;
 };
 
 }  // namespace orvane

@@ -126,6 +126,7 @@ void WaylandOverlayPanel::orderFrontRegardless() {
     }
     static const zwlr_layer_surface_v1_listener listener{&Listeners::configure, &Listeners::closed};
     surface_ = wl_compositor_create_surface(connection_.compositor());
+    ++appearances_;
     layerSurface_ = zwlr_layer_shell_v1_get_layer_surface(
         shell, surface_, output_ != nullptr ? output_->output : nullptr,
         ZWLR_LAYER_SHELL_V1_LAYER_OVERLAY, "orvane");

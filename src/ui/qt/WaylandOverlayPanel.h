@@ -40,6 +40,8 @@ class WaylandOverlayPanel final : public OverlayPanelPort {
 
     // Whether the panel is on screen now: mapped and painted.
     bool isShown() const { return isConfigured_ && surface_ != nullptr; }
+    // How many times the panel has gone up.
+    std::uint64_t appearances() const { return appearances_; }
 
   private:
     struct Buffer;
@@ -70,6 +72,7 @@ class WaylandOverlayPanel final : public OverlayPanelPort {
     zwlr_layer_surface_v1* layerSurface_ = nullptr;
     bool isConfigured_ = false;
     bool visible_ = false;
+    std::uint64_t appearances_ = 0;
     std::vector<std::unique_ptr<Buffer>> buffers_;
     // What each buffer shows, for painting only the difference.
     OverlayViewData shown_;
