@@ -115,6 +115,7 @@ WaylandProgram::WaylandProgram(std::unique_ptr<WaylandConnection> connection,
     QObject::connect(notifier_.get(), &QSocketNotifier::activated, [this] {
         if (!connection_->dispatchAvailable()) {
             // Without its compositor the program has nothing left to do.
+            log().error("the Wayland compositor closed its connection; Orvane quits with it");
             notifier_->setEnabled(false);
             QCoreApplication::exit(1);
         }

@@ -134,10 +134,12 @@ void SwaySession::stopProcess(pid_t& process) {
     std::erase(clients_, stopping);
 }
 
-pid_t SwaySession::startClient(const std::string& title, const std::string& appId) {
-    const auto process =
-        spawnLogged({"foot", "--title", title, "--app-id", appId, "sleep", "600"},
-                    folder_ / ("client-" + appId + ".log"), {"WAYLAND_DISPLAY=" + display_});
+pid_t SwaySession::startClient(const std::string& title, const std::string& appId,
+                               const std::vector<std::string>& command) {
+    std::vector<std::string> arguments{"foot", "--title", title, "--app-id", appId};
+    arguments.insert(arguments.end(), command.begin(), command.end());
+    const auto process = spawnLogged(arguments, folder_ / ("client-" + appId + ".log"),
+                                     {"WAYLAND_DISPLAY=" + display_});
     if (process > 0) {
         clients_.push_back(process);
         waitFor([&] {

@@ -29,7 +29,8 @@ class SwaySession {
     const std::string& ipcSocket() const { return ipcSocket_; }
 
     // A foot window with this title and app_id, once sway lists it.
-    pid_t startClient(const std::string& title, const std::string& appId);
+    pid_t startClient(const std::string& title, const std::string& appId,
+                      const std::vector<std::string>& command = {"sleep", "600"});
     void stopProcess(pid_t& process);
 
     // Orvane on this sway, its log in the session's folder, once it says it has launched; false

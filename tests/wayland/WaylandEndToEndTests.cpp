@@ -6,6 +6,7 @@
 #include <poll.h>
 
 #include <chrono>
+#include <fstream>
 #include <functional>
 #include <map>
 #include <string>
@@ -215,6 +216,15 @@ TEST(WaylandProgramTest, SwitchesLaunchesAndLetsGoOfItsKeysOnSway) {
     // A window closed between two gestures is simply gone from the next one.
     sway.stopProcess(two);
     EXPECT_EQ(focusAfter({"-M", "alt", "-k", "Tab", "-s", "200", "-m", "alt"}), "Three");
+
+    // Keys outside a gesture reach the focused window untouched, Tab and Alt with another key too.
+    const auto typed = sway.folder() / "typed.txt";
+    auto keys = sway.startClient("Keys", "orvane.keys", {"sh", "-c", "cat > " + typed.string()});
+    sway.type({"hello there", "-k", "Tab", "-M", "alt", "-k", "x", "-m", "alt", "-k", "Return"});
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    std::ifstream typedFile(typed);
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(typedFile), {}), "hello there\t\x1bx\n");
+    sway.stopProcess(keys);
 
     // Alt+Tab is Orvane's binding while it runs; once it quits, the binding is gone and Alt+Tab
     // reaches the focused window again.
