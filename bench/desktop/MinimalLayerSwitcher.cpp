@@ -1,6 +1,7 @@
 // The least a program can do on sway to show a picture on a key: a binding of its own, heard as
-// an IPC event, maps a layer-shell surface on the overlay layer with a picture painted beforehand,
-// and unmaps it a moment later. The yardstick of the Wayland benchmark.
+// an IPC event, maps a layer-shell surface on the overlay layer with a picture painted beforehand;
+// the binding again while it is up shows a second prepared picture; it unmaps a moment later. The
+// yardstick of the Wayland benchmark.
 //   orvane-minimal-layer-switcher WIDTH HEIGHT
 // Needs WAYLAND_DISPLAY and SWAYSOCK.
 
@@ -13,6 +14,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <utility>
 
 #include "platform/wayland/SwayIpc.h"
 #include "platform/wayland/WaylandConnection.h"
@@ -23,6 +25,7 @@ namespace {
 struct Panel {
     orvane::WaylandConnection* connection = nullptr;
     wl_buffer* buffer = nullptr;
+    wl_buffer* otherBuffer = nullptr;
     wl_surface* surface = nullptr;
     zwlr_layer_surface_v1* layer = nullptr;
     int width = 0, height = 0;
@@ -51,6 +54,14 @@ struct Panel {
         connection->flush();
         shownAt = std::chrono::steady_clock::now();
     }
+    // The other picture, as a switcher shows the next card selected.
+    void swap() {
+        std::swap(buffer, otherBuffer);
+        wl_surface_attach(surface, buffer, 0, 0);
+        wl_surface_damage_buffer(surface, 0, 0, width, height);
+        wl_surface_commit(surface);
+        connection->flush();
+    }
     void hide() {
         if (layer != nullptr) {
             zwlr_layer_surface_v1_destroy(layer);
@@ -62,7 +73,8 @@ struct Panel {
     }
 };
 
-wl_buffer* preparedPicture(orvane::WaylandConnection& connection, int width, int height) {
+wl_buffer* preparedPicture(orvane::WaylandConnection& connection, int width, int height,
+                           std::uint32_t cardColour) {
     const int stride = width * 4;
     const auto bytes = static_cast<std::size_t>(stride) * static_cast<std::size_t>(height);
     const int descriptor = ::memfd_create("minimal", MFD_CLOEXEC);
@@ -74,7 +86,7 @@ wl_buffer* preparedPicture(orvane::WaylandConnection& connection, int width, int
     for (int y = 0; y < height; ++y) {
         for (int x = 0; x < width; ++x) {
             const bool card = (x % 220) >= 20 && (y % 180) >= 20;
-            pixels[y * width + x] = card ? 0xff0a84ffu : 0xff262628u;
+            pixels[y * width + x] = card ? cardColour : 0xff262628u;
         }
     }
     auto* pool =
@@ -106,7 +118,8 @@ int main(int argc, char** argv) {
     panel.connection = connection.get();
     panel.width = std::atoi(argv[1]);
     panel.height = std::atoi(argv[2]);
-    panel.buffer = preparedPicture(*connection, panel.width, panel.height);
+    panel.buffer = preparedPicture(*connection, panel.width, panel.height, 0xff0a84ffu);
+    panel.otherBuffer = preparedPicture(*connection, panel.width, panel.height, 0xff3a3a3cu);
     connection->roundtrip();
     while (true) {
         pollfd descriptors[2] = {{connection->fileDescriptor(), POLLIN, 0},
@@ -115,17 +128,22 @@ int main(int argc, char** argv) {
         if (!connection->dispatchAvailable()) {
             return 0;
         }
-        const bool open = events->readEvents([&](orvane::SwayIpc::Event,
-                                                 const nlohmann::json& event) {
-            if (event.dump().find("nop minimal") != std::string::npos && panel.layer == nullptr) {
-                panel.show();
-            }
-        });
+        const bool open =
+            events->readEvents([&](orvane::SwayIpc::Event, const nlohmann::json& event) {
+                if (event.dump().find("nop minimal") == std::string::npos) {
+                    return;
+                }
+                if (panel.layer == nullptr) {
+                    panel.show();
+                } else {
+                    panel.swap();
+                }
+            });
         if (!open) {
             return 0;
         }
         if (panel.layer != nullptr &&
-            std::chrono::steady_clock::now() - panel.shownAt > std::chrono::milliseconds(250)) {
+            std::chrono::steady_clock::now() - panel.shownAt > std::chrono::milliseconds(600)) {
             panel.hide();
         }
     }
