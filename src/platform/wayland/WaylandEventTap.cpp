@@ -248,6 +248,16 @@ std::vector<WaylandEventTap::Chord> WaylandEventTap::chords() const {
     for (auto gesture :
          {ExternalGesture::next, ExternalGesture::previous, ExternalGesture::sameApplication,
           ExternalGesture::sameApplicationPrevious, ExternalGesture::launcher}) {
+        // A binding takes its keys from every window: gestures turned off leave them alone.
+        const bool enabled = gesture == ExternalGesture::previous
+                                 ? preferences.reverseCyclingEnabled
+                             : gesture == ExternalGesture::sameApplication ||
+                                     gesture == ExternalGesture::sameApplicationPrevious
+                                 ? preferences.sameApplicationCyclingEnabled
+                                 : true;
+        if (!enabled) {
+            continue;
+        }
         const auto chord = chordOfGesture(gesture, preferences.shortcutConfiguration);
         auto key = keysymName(static_cast<std::uint16_t>(chord.storedKeyCode));
         if (!key) {
