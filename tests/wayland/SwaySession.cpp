@@ -183,7 +183,7 @@ std::optional<std::string> SwaySession::focusedTitle() const {
     return tree().second;
 }
 
-bool SwaySession::startProgram() {
+std::vector<std::string> SwaySession::programEnvironment() const {
     const auto home = folder_ / "home";
     const auto runtime = folder_ / "orvane-runtime";
     std::filesystem::create_directories(home);
@@ -191,17 +191,30 @@ bool SwaySession::startProgram() {
     std::filesystem::permissions(runtime, std::filesystem::perms::owner_all,
                                  std::filesystem::perm_options::replace);
     // Under LeakSanitizer the program reports only leaks of its own.
-    const auto joined = [](const char* variable, const std::string& more) {
-        const char* value = std::getenv(variable);
-        return std::string(variable) + "=" + (value ? std::string(value) + ":" + more : more);
-    };
-    program_ = spawnLogged(
-        {ORVANE_PROGRAM_PATH, "--log-level", "debug"}, folder_ / "orvane.log",
-        {joined("LSAN_OPTIONS", std::string("suppressions=") + ORVANE_LSAN_SUPPRESSIONS),
-         "WAYLAND_DISPLAY=" + display_, "SWAYSOCK=" + ipcSocket_, "HOME=" + home.string(),
-         "XDG_CONFIG_HOME=" + (home / ".config").string(),
-         "XDG_DATA_HOME=" + (home / ".local/share").string(),
-         "XDG_RUNTIME_DIR=" + runtime.string()});
+    const char* suppressions = std::getenv("LSAN_OPTIONS");
+    const std::string ours = std::string("suppressions=") + ORVANE_LSAN_SUPPRESSIONS;
+    return {"LSAN_OPTIONS=" + (suppressions ? std::string(suppressions) + ":" + ours : ours),
+            "WAYLAND_DISPLAY=" + display_,
+            "HOME=" + home.string(),
+            "XDG_CONFIG_HOME=" + (home / ".config").string(),
+            "XDG_DATA_HOME=" + (home / ".local/share").string(),
+            "XDG_RUNTIME_DIR=" + runtime.string()};
+}
+
+void SwaySession::sendGesture(const std::string& name) const {
+    std::string command = "env";
+    for (const auto& variable : programEnvironment()) {
+        command += " '" + variable + "'";
+    }
+    command += std::string(" '") + ORVANE_PROGRAM_PATH + "' --gesture '" + name + "'";
+    [[maybe_unused]] const int status = std::system(command.c_str());
+}
+
+bool SwaySession::startProgram(bool withIpc) {
+    auto environment = programEnvironment();
+    environment.push_back(withIpc ? "SWAYSOCK=" + ipcSocket_ : "SWAYSOCK=");
+    program_ = spawnLogged({ORVANE_PROGRAM_PATH, "--log-level", "debug"}, folder_ / "orvane.log",
+                           environment);
     return program_ > 0 &&
            waitFor([&] { return programLog().find("launch complete") != std::string::npos; },
                    std::chrono::seconds(15));

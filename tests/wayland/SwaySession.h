@@ -34,8 +34,10 @@ class SwaySession {
     void stopProcess(pid_t& process);
 
     // Orvane on this sway, its log in the session's folder, once it says it has launched; false
-    // when it did not within 15 s.
-    bool startProgram();
+    // when it did not within 15 s. Without the IPC it runs as on a compositor it cannot bind on.
+    bool startProgram(bool withIpc = true);
+    // `orvane --gesture NAME` for the running Orvane, as a compositor's binding runs it.
+    void sendGesture(const std::string& name) const;
     void stopProgram();
     pid_t programProcess() const { return program_; }
     std::string programLog() const;
@@ -55,6 +57,8 @@ class SwaySession {
     std::string log() const;
 
   private:
+    // Where the program keeps its settings and its single-instance socket.
+    std::vector<std::string> programEnvironment() const;
     // Every title of sway's tree, and the focused one's.
     std::pair<std::vector<std::string>, std::optional<std::string>> tree() const;
 

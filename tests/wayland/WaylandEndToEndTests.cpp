@@ -77,7 +77,14 @@ TEST(WaylandWindowModelTest, FollowsSwaysWindowsTheirFocusAndActivatesThem) {
 
     // The windows there before the model are all told, with their application and focus, and
     // sway's tree tells the focus order from before, each window's process, frame and workspace.
+    // Until an IPC tells its frame, a window fills the output the protocol says it is on.
     ASSERT_THAT(titlesFrontToBack(model), ElementsAre("Three", ::testing::_, ::testing::_));
+    model.refreshGeometry();
+    const auto& output = *connection->outputs().front();
+    EXPECT_EQ(model.window(model.frontToBack().front())->frame,
+              (Rect{{double(output.x), double(output.y)},
+                    {double(output.width), double(output.height)}}));
+    EXPECT_GT(output.width, 0);
     auto ipc = SwayIpc::connect(sway.ipcSocket());
     ASSERT_NE(ipc, nullptr);
     const auto tree = ipc->request(SwayIpc::Request::getTree);
@@ -241,6 +248,39 @@ TEST(WaylandProgramTest, SwitchesLaunchesAndLetsGoOfItsKeysOnSway) {
     EXPECT_THAT(sway.programLog(), ::testing::Not(::testing::HasSubstr("Sanitizer")));
     sway.stopProcess(one);
     sway.stopProcess(three);
+}
+
+// Where Orvane cannot bind its keys (no sway IPC, as on Hyprland, labwc or river), a binding of
+// the compositor's own runs `orvane --gesture`: with Alt held across two of them the switcher
+// walks down the recency, and letting go of Alt commits.
+TEST(WaylandProgramTest, TakesGesturesByCommandWhereItCannotBind) {
+    SwaySession sway;
+    ASSERT_TRUE(sway.isReady()) << sway.problem();
+    auto one = sway.startClient("One", "orvane.one");
+    auto two = sway.startClient("Two", "orvane.two");
+    ASSERT_TRUE(sway.startProgram(false)) << sway.programLog();
+    const auto focused = [&](const std::string& title) {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(3);
+        while (sway.focusedTitle() != title && std::chrono::steady_clock::now() < end) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        }
+        return sway.focusedTitle().value_or("");
+    };
+    // Nothing binds the keys yet: the welcome window says how, and has the focus.
+    EXPECT_EQ(focused("Welcome to Orvane"), "Welcome to Orvane");
+
+    std::thread held([&] { sway.type({"-M", "alt", "-s", "1200", "-m", "alt"}); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    sway.sendGesture("next");
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    sway.sendGesture("next");
+    held.join();
+    EXPECT_EQ(focused("One"), "One");
+    EXPECT_THAT(sway.programLog(), ::testing::HasSubstr("keyboard shortcut -> granted"));
+    sway.stopProgram();
+    EXPECT_THAT(sway.programLog(), ::testing::Not(::testing::HasSubstr("Sanitizer")));
+    sway.stopProcess(one);
+    sway.stopProcess(two);
 }
 
 }  // namespace

@@ -36,6 +36,8 @@ struct WaylandWindowModel::Toplevel {
     std::optional<Window> shown;
     bool isActivated = false;
     bool isOnShownWorkspace = true;
+    // The outputs the window shows on, as the compositor entered it.
+    std::vector<wl_output*> outputs;
 
     ~Toplevel() { zwlr_foreign_toplevel_handle_v1_destroy(proxy); }
 
@@ -49,8 +51,15 @@ struct WaylandWindowModel::Toplevel {
         pending.windowInstance = pending.windowClass;
         pending.applicationName = pending.windowClass;
     }
-    static void outputEnter(void*, zwlr_foreign_toplevel_handle_v1*, wl_output*) {}
-    static void outputLeave(void*, zwlr_foreign_toplevel_handle_v1*, wl_output*) {}
+    static void outputEnter(void* data, zwlr_foreign_toplevel_handle_v1*, wl_output* output) {
+        auto& outputs = of(data).outputs;
+        if (std::find(outputs.begin(), outputs.end(), output) == outputs.end()) {
+            outputs.push_back(output);
+        }
+    }
+    static void outputLeave(void* data, zwlr_foreign_toplevel_handle_v1*, wl_output* output) {
+        std::erase(of(data).outputs, output);
+    }
     static void state(void* data, zwlr_foreign_toplevel_handle_v1*, wl_array* states) {
         auto& toplevel = of(data);
         toplevel.pendingActivated = toplevel.pending.isHidden = false;
@@ -206,6 +215,34 @@ ProcessIdentifier WaylandWindowModel::standInFor(const std::string& appId) {
 bool WaylandWindowModel::isOnCurrentDesktop(const Window& window) const {
     auto found = toplevels_.find(window.window);
     return found == toplevels_.end() || found->second->isOnShownWorkspace;
+}
+
+void WaylandWindowModel::refreshGeometry() {
+    for (auto& [handle, toplevel] : toplevels_) {
+        if (!toplevel->shown || toplevel->shown->isFrameKnown) {
+            continue;
+        }
+        const WaylandConnection::Output* area = nullptr;
+        for (const auto& output : connection_.outputs()) {
+            const auto& on = toplevel->outputs;
+            if (std::find(on.begin(), on.end(), output->output) != on.end()) {
+                area = output.get();
+                break;
+            }
+            if (area == nullptr) {
+                area = output.get();
+            }
+        }
+        if (area == nullptr) {
+            continue;
+        }
+        const Rect frame{{double(area->x), double(area->y)},
+                         {double(area->width), double(area->height)}};
+        if (toplevel->shown->frame != frame) {
+            ++revision_;
+            toplevel->shown->frame = toplevel->pending.frame = frame;
+        }
+    }
 }
 
 void WaylandWindowModel::learn(const std::vector<SwayTree::Window>& known, bool ordering) {

@@ -3,7 +3,8 @@
 // entry its app_id matches, else the app_id, with a stand-in process for each. Activation changes
 // are the focus changes, and they order the windows: the protocol tells no stacking. Frames,
 // processes and workspaces come only from what a compositor's IPC tells (`learn`); until then
-// every window counts as on the current workspace. Main thread only.
+// every window counts as on the current workspace, and fills the output the protocol says it is
+// on. Main thread only.
 #pragma once
 
 #include <cstdint>
@@ -43,6 +44,9 @@ class WaylandWindowModel final : public DesktopWindows {
     std::optional<Handle> activeWindow() const override { return active_; }
     bool isOnCurrentDesktop(const Window& window) const override;
     std::uint64_t revision() const override { return revision_; }
+    // A window whose frame no IPC told is taken to fill its output: the protocol tells which
+    // output, not where on it.
+    void refreshGeometry() override;
 
     // Takes what the compositor's own IPC knows beyond the protocol: each window's frame, process
     // and workspace, and with `ordering`, the order of focus from before Orvane started. A window
