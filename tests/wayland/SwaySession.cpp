@@ -183,7 +183,7 @@ std::optional<std::string> SwaySession::focusedTitle() const {
     return tree().second;
 }
 
-std::vector<std::string> SwaySession::programEnvironment() const {
+std::vector<std::string> SwaySession::programEnvironment(bool wholeStacks) const {
     const auto home = folder_ / "home";
     const auto runtime = folder_ / "orvane-runtime";
     std::filesystem::create_directories(home);
@@ -192,7 +192,8 @@ std::vector<std::string> SwaySession::programEnvironment() const {
                                  std::filesystem::perm_options::replace);
     // Under LeakSanitizer the program reports only leaks of its own.
     const char* suppressions = std::getenv("LSAN_OPTIONS");
-    const std::string ours = std::string("suppressions=") + ORVANE_LSAN_SUPPRESSIONS;
+    const std::string ours = std::string(wholeStacks ? "fast_unwind_on_malloc=0:" : "") +
+                             "suppressions=" + ORVANE_LSAN_SUPPRESSIONS;
     return {"LSAN_OPTIONS=" + (suppressions ? std::string(suppressions) + ":" + ours : ours),
             "WAYLAND_DISPLAY=" + display_,
             "HOME=" + home.string(),
@@ -210,9 +211,9 @@ void SwaySession::sendGesture(const std::string& name) const {
     [[maybe_unused]] const int status = std::system(command.c_str());
 }
 
-bool SwaySession::startProgram(bool withIpc) {
-    auto environment = programEnvironment();
-    environment.push_back(withIpc ? "SWAYSOCK=" + ipcSocket_ : "SWAYSOCK=");
+bool SwaySession::startProgram(ProgramOptions options) {
+    auto environment = programEnvironment(options.wholeStacks);
+    environment.push_back(options.withIpc ? "SWAYSOCK=" + ipcSocket_ : "SWAYSOCK=");
     program_ = spawnLogged({ORVANE_PROGRAM_PATH, "--log-level", "debug"}, folder_ / "orvane.log",
                            environment);
     return program_ > 0 &&

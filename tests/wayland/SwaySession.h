@@ -33,9 +33,17 @@ class SwaySession {
                       const std::vector<std::string>& command = {"sleep", "600"});
     void stopProcess(pid_t& process);
 
+    struct ProgramOptions {
+        // Without the IPC Orvane runs as on a compositor it cannot bind on.
+        bool withIpc = true;
+        // Whole stacks for LeakSanitizer, for a run that shows Qt's own windows: Mesa leaks what
+        // it sets up for them from modules that are gone by the report. Slows every allocation.
+        bool wholeStacks = false;
+    };
     // Orvane on this sway, its log in the session's folder, once it says it has launched; false
-    // when it did not within 15 s. Without the IPC it runs as on a compositor it cannot bind on.
-    bool startProgram(bool withIpc = true);
+    // when it did not within 15 s.
+    bool startProgram(ProgramOptions options);
+    bool startProgram() { return startProgram(ProgramOptions{}); }
     // `orvane --gesture NAME` for the running Orvane, as a compositor's binding runs it.
     void sendGesture(const std::string& name) const;
     void stopProgram();
@@ -58,7 +66,7 @@ class SwaySession {
 
   private:
     // Where the program keeps its settings and its single-instance socket.
-    std::vector<std::string> programEnvironment() const;
+    std::vector<std::string> programEnvironment(bool wholeStacks = false) const;
     // Every title of sway's tree, and the focused one's.
     std::pair<std::vector<std::string>, std::optional<std::string>> tree() const;
 

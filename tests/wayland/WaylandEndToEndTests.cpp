@@ -258,7 +258,7 @@ TEST(WaylandProgramTest, TakesGesturesByCommandWhereItCannotBind) {
     ASSERT_TRUE(sway.isReady()) << sway.problem();
     auto one = sway.startClient("One", "orvane.one");
     auto two = sway.startClient("Two", "orvane.two");
-    ASSERT_TRUE(sway.startProgram(false)) << sway.programLog();
+    ASSERT_TRUE(sway.startProgram({.withIpc = false, .wholeStacks = true})) << sway.programLog();
     const auto focused = [&](const std::string& title) {
         const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(3);
         while (sway.focusedTitle() != title && std::chrono::steady_clock::now() < end) {

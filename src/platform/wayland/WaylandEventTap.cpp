@@ -495,7 +495,8 @@ void WaylandEventTap::stopRepeating() {
 }
 
 void WaylandEventTap::repeat(xkb_keycode_t keycode) {
-    if (state_ == nullptr || !hasFocus_) {
+    // A key still held when the overlay went away is released where Orvane does not hear it.
+    if (state_ == nullptr || !hasFocus_ || !isSessionActive_ || !isSessionActive_()) {
         stopRepeating();
         return;
     }

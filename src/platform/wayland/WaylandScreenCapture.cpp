@@ -39,6 +39,8 @@ struct WaylandScreenCapture::Capture {
     bool onChange = false;
     // How many times the overlay had gone up when the copy was asked for.
     std::uint64_t coverings = 0;
+    // Answered; destroyed once the compositor's event that answered is over.
+    bool isFinished = false;
 
     ~Capture() {
         if (frame != nullptr) {
@@ -193,21 +195,27 @@ void WaylandScreenCapture::captureImage(const ContentFilter& filter,
 
 void WaylandScreenCapture::refresh() {
     // A copy waiting for a change gives way to one now.
-    std::erase_if(captures_, [](const auto& capture) { return capture->onChange; });
-    if (captures_.empty()) {
+    std::erase_if(captures_,
+                  [](const auto& capture) { return capture->onChange && !capture->isFinished; });
+    if (!isCapturing()) {
         capture(false);
     }
 }
 
+bool WaylandScreenCapture::isCapturing() const {
+    return std::any_of(captures_.begin(), captures_.end(),
+                       [](const auto& capture) { return !capture->isFinished; });
+}
+
 void WaylandScreenCapture::watchLater() {
-    if (watch_ || !captures_.empty()) {
+    if (watch_ || isCapturing()) {
         return;
     }
     watch_ = runLoop_->scheduleTimer(watchSeconds, false, 0.5, [this] {
         watch_.reset();
         if (cover().isUp) {
             watchLater();
-        } else if (captures_.empty()) {
+        } else if (!isCapturing()) {
             capture(true);
         }
     });
@@ -236,16 +244,16 @@ void WaylandScreenCapture::capture(bool onChange) {
 }
 
 void WaylandScreenCapture::finish(Capture& capture, bool succeeded) {
+    capture.isFinished = true;
     const auto now = cover();
     if (succeeded && capture.memory != nullptr && !now.isUp && now.times == capture.coverings) {
         cutOut(capture);
     } else {
         log().debug("the compositor copied no picture of an output for previews");
     }
-    // Destroyed once the compositor's event that called here is over.
-    runLoop_->post([weak = weak_from_this(), done = &capture] {
+    runLoop_->post([weak = weak_from_this()] {
         if (auto self = weak.lock()) {
-            std::erase_if(self->captures_, [done](const auto& held) { return held.get() == done; });
+            std::erase_if(self->captures_, [](const auto& held) { return held->isFinished; });
             self->watchLater();
         }
     });

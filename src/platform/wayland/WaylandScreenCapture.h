@@ -59,6 +59,8 @@ class WaylandScreenCapture final : public ScreenCapturePort,
 
     std::optional<ImageHandle> lastCapture(DesktopWindows::Handle window) const;
     Cover cover() const { return cover_ ? cover_() : Cover{}; }
+    // Whether a copy is asked for and not answered yet.
+    bool isCapturing() const;
     // Copies every output: now, or once something on it changes.
     void capture(bool onChange);
     // The next copy on change, a while after the last copy.
