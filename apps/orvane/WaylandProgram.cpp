@@ -109,6 +109,15 @@ WaylandProgram::WaylandProgram(std::unique_ptr<WaylandConnection> connection,
     eventTap_->setSessionQuery([this] { return shell_.isRunning() && shell_.isSessionActive(); });
     overlayPanel_->attach(delegate->overlayCoordinator()->viewModel(),
                           shell_.overlayBuilder(workspace_));
+    overlayPanel_->setPresentedHandler([this] {
+        if (gestureAt_) {
+            const auto taken = std::chrono::steady_clock::now() - *gestureAt_;
+            gestureAt_.reset();
+            log().debug("picture sent %{public}u microseconds after the gesture's key",
+                        static_cast<std::uint64_t>(
+                            std::chrono::duration_cast<std::chrono::microseconds>(taken).count()));
+        }
+    });
 
     notifier_ =
         std::make_unique<QSocketNotifier>(connection_->fileDescriptor(), QSocketNotifier::Read);
@@ -176,6 +185,7 @@ void WaylandProgram::readSwayEvents() {
             if (event == SwayIpc::Event::binding) {
                 if (const auto gesture = WaylandEventTap::gestureOfBinding(payload)) {
                     if (shell_.isRunning()) {
+                        gestureAt_ = std::chrono::steady_clock::now();
                         eventTap_->perform(*gesture);
                     }
                 }

@@ -5,7 +5,9 @@
 
 #include <QSocketNotifier>
 #include <QTimer>
+#include <chrono>
 #include <memory>
+#include <optional>
 
 #include "DesktopShell.h"
 #include "platform/ExternalGesture.h"
@@ -58,6 +60,9 @@ class WaylandProgram {
     QMetaObject::Connection aboutToBlock_;
     // Elsewhere than sway, the shortcut is there once a gesture command has come.
     bool hasHadGesture_ = false;
+    // When the last gesture's key came, until its picture has gone out: the debug log tells the
+    // time between, Orvane's own share of the latency.
+    std::optional<std::chrono::steady_clock::time_point> gestureAt_;
     // Last, so that it goes first: the program it holds still uses the backend's ports.
     DesktopShell shell_;
 };

@@ -5,8 +5,9 @@
 // that maps a prepared layer-shell surface of Orvane's panel size on the same binding.
 //   orvane_wayland_benchmark [TRIALS]
 // Prints for 6 and 30 windows the median and 90th percentile of: key to overlay on screen and Tab
-// to repaint, for both, and Orvane's release to the chosen window activated; then
-// Orvane's CPU time and wake-ups over 30 idle seconds with 30 windows.
+// to repaint, for both; Orvane's release to the chosen window activated, and its own share of the
+// first two (sway's binding event to its picture sent, from its debug log); then Orvane's CPU time
+// and wake-ups over 30 idle seconds with 30 windows.
 
 #include <linux/input-event-codes.h>
 #include <poll.h>
@@ -97,17 +98,35 @@ class Probe {
         pump(Clock::now() + length, [] { return false; });
     }
 
-    // Milliseconds from typing `keys` to the next frame that changed the screen; nothing within
-    // two seconds.
+    // Milliseconds from typing `keys` to the first frame whose pixels differ from the screen
+    // before them; nothing within two seconds. A frame the compositor made for another change
+    // (a window's cursor, say) is passed over.
     std::optional<double> toFrame(const std::function<void()>& keys) {
-        arm();
-        const auto typed = type(keys);
-        pump(typed + std::chrono::seconds(2), [&] { return readyAt_.has_value(); });
+        arm(false);
+        pump(Clock::now() + std::chrono::seconds(1), [&] { return readyAt_.has_value(); });
+        const auto before = pixels();
         release();
-        if (!readyAt_ || *readyAt_ == Clock::time_point{}) {
+        if (before.empty()) {
             return std::nullopt;
         }
-        return milliseconds(*readyAt_ - typed);
+        arm(true);
+        const auto typed = type(keys);
+        const auto end = typed + std::chrono::seconds(2);
+        while (Clock::now() < end) {
+            pump(end, [&] { return readyAt_.has_value(); });
+            const auto frame = pixels();
+            const auto readyAt = readyAt_;
+            release();
+            if (frame.empty()) {
+                return std::nullopt;
+            }
+            if (frame != before) {
+                return milliseconds(*readyAt - typed);
+            }
+            arm(true);
+        }
+        release();
+        return std::nullopt;
     }
     // Milliseconds from typing `keys` to another window than the one active before `since`
     // activated; nothing within two seconds.
@@ -165,8 +184,17 @@ class Probe {
             std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now().time_since_epoch())
                 .count());
     }
-    // Asks for the next frame with damage: it comes once the screen changes.
-    void arm() {
+    // What the last copy holds; nothing when it failed or is not there.
+    std::vector<std::uint8_t> pixels() const {
+        if (!readyAt_ || *readyAt_ == Clock::time_point{} || memory_ == nullptr) {
+            return {};
+        }
+        const auto* bytes = static_cast<const std::uint8_t*>(memory_);
+        return std::vector<std::uint8_t>(bytes, bytes + bytes_);
+    }
+    // Asks for a copy of the next frame, or with `onChange` of the next one with damage.
+    void arm(bool onChange) {
+        onChange_ = onChange;
         frame_ = zwlr_screencopy_manager_v1_capture_output(connection_->screencopyManager(), 0,
                                                            connection_->outputs().front()->output);
         static const zwlr_screencopy_frame_v1_listener listener{
@@ -206,17 +234,25 @@ class Probe {
         }
     }
     void copyInto(zwlr_screencopy_frame_v1* frame) {
-        const auto bytes = static_cast<std::size_t>(stride_) * static_cast<std::size_t>(height_);
+        bytes_ = static_cast<std::size_t>(stride_) * static_cast<std::size_t>(height_);
         const int descriptor = ::memfd_create("probe", MFD_CLOEXEC);
-        if (descriptor < 0 || ::ftruncate(descriptor, static_cast<off_t>(bytes)) != 0) {
+        if (descriptor < 0 || ::ftruncate(descriptor, static_cast<off_t>(bytes_)) != 0) {
             return;
         }
+        memory_ = ::mmap(nullptr, bytes_, PROT_READ, MAP_SHARED, descriptor, 0);
+        if (memory_ == MAP_FAILED) {
+            memory_ = nullptr;
+        }
         auto* pool = wl_shm_create_pool(connection_->sharedMemory(), descriptor,
-                                        static_cast<std::int32_t>(bytes));
+                                        static_cast<std::int32_t>(bytes_));
         buffer_ = wl_shm_pool_create_buffer(pool, 0, width_, height_, stride_, format_);
         wl_shm_pool_destroy(pool);
         ::close(descriptor);
-        zwlr_screencopy_frame_v1_copy_with_damage(frame, buffer_);
+        if (onChange_) {
+            zwlr_screencopy_frame_v1_copy_with_damage(frame, buffer_);
+        } else {
+            zwlr_screencopy_frame_v1_copy(frame, buffer_);
+        }
         connection_->flush();
         copying_ = true;
     }
@@ -228,6 +264,10 @@ class Probe {
         if (buffer_ != nullptr) {
             wl_buffer_destroy(buffer_);
             buffer_ = nullptr;
+        }
+        if (memory_ != nullptr) {
+            ::munmap(memory_, bytes_);
+            memory_ = nullptr;
         }
         copying_ = false;
     }
@@ -241,13 +281,36 @@ class Probe {
     wl_buffer* buffer_ = nullptr;
     std::uint32_t format_ = 0;
     int width_ = 0, height_ = 0, stride_ = 0;
+    void* memory_ = nullptr;
+    std::size_t bytes_ = 0;
+    bool onChange_ = false;
     bool copying_ = false;
     std::optional<Clock::time_point> readyAt_;
 };
 
 struct Results {
     Sample shown, repainted, activated;
+    // Orvane's own share, as its debug log tells it: from sway's binding event to its picture
+    // sent, for the first Tab and the second.
+    Sample sentShown, sentRepainted;
 };
+
+// The milliseconds of the program's newest "picture sent" line, when there are more than `seen`.
+std::optional<double> newestPictureSent(const SwaySession& sway, std::size_t& seen) {
+    const auto log = sway.programLog();
+    const std::string marker = "picture sent ";
+    std::size_t count = 0;
+    std::optional<double> newest;
+    for (auto at = log.find(marker); at != std::string::npos; at = log.find(marker, at + 1)) {
+        ++count;
+        newest = std::strtod(log.c_str() + at + marker.size(), nullptr) / 1000.0;
+    }
+    if (count <= seen) {
+        return std::nullopt;
+    }
+    seen = count;
+    return newest;
+}
 
 // Each trial: Alt down and Tab, a pause, Tab again, a pause, Alt up. Only Orvane is asked for the
 // release: the minimal program hides by itself.
@@ -263,6 +326,10 @@ Results measure(SwaySession& sway, int trials, bool switcher) {
             sample.values.push_back(*value);
         }
     };
+    std::size_t seen = 0;
+    if (switcher) {
+        newestPictureSent(sway, seen);
+    }
     for (int trial = 0; trial < trials; ++trial) {
         probe.pause(std::chrono::milliseconds(200));
         const auto before = probe.activeWindow();
@@ -271,8 +338,14 @@ Results measure(SwaySession& sway, int trials, bool switcher) {
             probe.tapTab();
         }));
         probe.pause(std::chrono::milliseconds(300));
+        if (switcher) {
+            record(results.sentShown, newestPictureSent(sway, seen));
+        }
         record(results.repainted, probe.toFrame([&] { probe.tapTab(); }));
         probe.pause(std::chrono::milliseconds(300));
+        if (switcher) {
+            record(results.sentRepainted, newestPictureSent(sway, seen));
+        }
         if (!switcher) {
             probe.holdAlt(false);
             continue;
@@ -362,6 +435,8 @@ int main(int argc, char** argv) {
         std::printf("%-8d %-24s %-16s %-16s %-16s\n", windows, "orvane",
                     orvane.shown.summary().c_str(), orvane.repainted.summary().c_str(),
                     orvane.activated.summary().c_str());
+        std::printf("%-8d %-24s %-16s %-16s\n", windows, "  inside: binding→sent",
+                    orvane.sentShown.summary().c_str(), orvane.sentRepainted.summary().c_str());
     }
     if (!sway.startProgram()) {
         return 1;

@@ -290,13 +290,9 @@ void WaylandScreenCapture::cutOut(const Capture& capture) {
             targetWidth = static_cast<int>(std::min(width, 480.0));
             targetHeight = std::max(1, static_cast<int>(height * targetWidth / width));
         }
-        auto& thumbnail = thumbnails_[handle];
-        thumbnail.identifier = thumbnailIdentifierBit | ++lastIdentifier_;
-        thumbnail.width = targetWidth;
-        thumbnail.height = targetHeight;
-        thumbnail.pixels.assign(static_cast<std::size_t>(targetWidth) * targetHeight, 0);
+        std::vector<std::uint32_t> pixels(static_cast<std::size_t>(targetWidth) * targetHeight);
         auto* target = pixman_image_create_bits(PIXMAN_a8r8g8b8, targetWidth, targetHeight,
-                                                thumbnail.pixels.data(), targetWidth * 4);
+                                                pixels.data(), targetWidth * 4);
         // From the preview's pixels to the copy's: scaled, moved to the window, and turned
         // upside down when the compositor copied it so.
         pixman_transform_t transform;
@@ -311,6 +307,15 @@ void WaylandScreenCapture::cutOut(const Capture& capture) {
         pixman_image_composite32(PIXMAN_OP_SRC, source, nullptr, target, 0, 0, 0, 0, 0, 0,
                                  targetWidth, targetHeight);
         pixman_image_unref(target);
+        // A window that looks as it did keeps its thumbnail: its card needs no new picture.
+        auto& thumbnail = thumbnails_[handle];
+        if (thumbnail.width != targetWidth || thumbnail.height != targetHeight ||
+            thumbnail.pixels != pixels) {
+            thumbnail.identifier = thumbnailIdentifierBit | ++lastIdentifier_;
+            thumbnail.width = targetWidth;
+            thumbnail.height = targetHeight;
+            thumbnail.pixels = std::move(pixels);
+        }
     }
     pixman_image_unref(source);
 }

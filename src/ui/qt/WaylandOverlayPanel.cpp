@@ -95,7 +95,9 @@ void WaylandOverlayPanel::setFrame(const Rect& frame, bool display) {
         onScreen_.origin.y = output_->y;
         onScreen_.size.height = output_->height;
     }
-    if (surface_ != nullptr && layerSurface_ != nullptr) {
+    // Each commit of a new size or place costs a configure from the compositor and a repaint.
+    if (surface_ != nullptr && layerSurface_ != nullptr && placed_ != onScreen_) {
+        placed_ = onScreen_;
         zwlr_layer_surface_v1_set_size(
             layerSurface_, static_cast<std::uint32_t>(std::ceil(onScreen_.size.width)),
             static_cast<std::uint32_t>(std::ceil(onScreen_.size.height)));
@@ -153,6 +155,7 @@ void WaylandOverlayPanel::orderOut() {
 }
 
 void WaylandOverlayPanel::destroySurface() {
+    placed_.reset();
     if (layerSurface_ != nullptr) {
         zwlr_layer_surface_v1_destroy(layerSurface_);
         layerSurface_ = nullptr;
@@ -255,6 +258,9 @@ void WaylandOverlayPanel::present() {
     wl_surface_damage_buffer(surface_, 0, 0, buffer->image.width(), buffer->image.height());
     wl_surface_commit(surface_);
     connection_.flush();
+    if (presented_) {
+        presented_();
+    }
 }
 
 }  // namespace orvane

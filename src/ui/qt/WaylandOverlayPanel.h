@@ -9,6 +9,7 @@
 #include <QTimer>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "overlay/OverlayViewBuilder.h"
@@ -42,6 +43,8 @@ class WaylandOverlayPanel final : public OverlayPanelPort {
     bool isShown() const { return isConfigured_ && surface_ != nullptr; }
     // How many times the panel has gone up.
     std::uint64_t appearances() const { return appearances_; }
+    // Called each time a new picture of the panel has gone to the compositor.
+    void setPresentedHandler(std::function<void()> handler) { presented_ = std::move(handler); }
 
   private:
     struct Buffer;
@@ -64,6 +67,8 @@ class WaylandOverlayPanel final : public OverlayPanelPort {
     // The panel's frame as the logic gave it, and where it stands in the compositor's coordinates.
     Rect frame_;
     Rect onScreen_;
+    // The size and place the surface was last given.
+    std::optional<Rect> placed_;
     // The panel's line at the surface's top, when the panel is cut to its output.
     int scroll_ = 0;
     const WaylandConnection::Output* output_ = nullptr;
@@ -73,6 +78,7 @@ class WaylandOverlayPanel final : public OverlayPanelPort {
     bool isConfigured_ = false;
     bool visible_ = false;
     std::uint64_t appearances_ = 0;
+    std::function<void()> presented_;
     std::vector<std::unique_ptr<Buffer>> buffers_;
     // What each buffer shows, for painting only the difference.
     OverlayViewData shown_;
