@@ -162,6 +162,7 @@ void WaylandProgram::terminate() {
 void WaylandProgram::perform(ExternalGesture gesture) {
     if (shell_.isRunning() && eventTap_) {
         hasHadGesture_ = true;
+        screenCapture_->standBack();
         eventTap_->perform(gesture);
     }
 }
@@ -186,6 +187,7 @@ void WaylandProgram::readSwayEvents() {
                 if (const auto gesture = WaylandEventTap::gestureOfBinding(payload)) {
                     if (shell_.isRunning()) {
                         gestureAt_ = std::chrono::steady_clock::now();
+                        screenCapture_->standBack();
                         eventTap_->perform(*gesture);
                     }
                 }

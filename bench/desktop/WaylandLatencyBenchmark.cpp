@@ -114,14 +114,18 @@ class Probe {
         const auto end = typed + std::chrono::seconds(2);
         while (Clock::now() < end) {
             pump(end, [&] { return readyAt_.has_value(); });
-            const auto frame = pixels();
-            const auto readyAt = readyAt_;
-            release();
-            if (frame.empty()) {
+            if (!isCopied()) {
+                release();
                 return std::nullopt;
             }
-            if (frame != before) {
-                return milliseconds(*readyAt - typed);
+            // Compared where the compositor copied it: the probe shares two cores with sway and
+            // the programs it measures.
+            const bool changed =
+                bytes_ != before.size() || std::memcmp(memory_, before.data(), before.size()) != 0;
+            const auto readyAt = *readyAt_;
+            release();
+            if (changed) {
+                return milliseconds(readyAt - typed);
             }
             arm(true);
         }
@@ -184,9 +188,12 @@ class Probe {
             std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now().time_since_epoch())
                 .count());
     }
+    bool isCopied() const {
+        return readyAt_ && *readyAt_ != Clock::time_point{} && memory_ != nullptr;
+    }
     // What the last copy holds; nothing when it failed or is not there.
     std::vector<std::uint8_t> pixels() const {
-        if (!readyAt_ || *readyAt_ == Clock::time_point{} || memory_ == nullptr) {
+        if (!isCopied()) {
             return {};
         }
         const auto* bytes = static_cast<const std::uint8_t*>(memory_);

@@ -202,6 +202,12 @@ void WaylandScreenCapture::refresh() {
     }
 }
 
+void WaylandScreenCapture::standBack() {
+    std::erase_if(captures_,
+                  [](const auto& capture) { return capture->onChange && !capture->isFinished; });
+    watchLater();
+}
+
 bool WaylandScreenCapture::isCapturing() const {
     return std::any_of(captures_.begin(), captures_.end(),
                        [](const auto& capture) { return !capture->isFinished; });

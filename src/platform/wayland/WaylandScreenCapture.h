@@ -47,6 +47,9 @@ class WaylandScreenCapture final : public ScreenCapturePort,
     // Captures every window the outputs show now, unless the overlay is up. A copy is dropped
     // when the overlay is up as it comes back, or went up meanwhile: it may show the overlay.
     void refresh();
+    // The overlay is about to go up: a copy waiting for a change would only show it, and would
+    // cost the compositor a copy of every output as the overlay appears.
+    void standBack();
     // Whether the overlay is up, and how many times it has gone up so far.
     struct Cover {
         bool isUp = false;
