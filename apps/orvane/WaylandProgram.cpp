@@ -164,6 +164,7 @@ void WaylandProgram::perform(ExternalGesture gesture) {
         hasHadGesture_ = true;
         screenCapture_->standBack();
         eventTap_->perform(gesture);
+        overlayPanel_->presentPending();
     }
 }
 
@@ -189,6 +190,7 @@ void WaylandProgram::readSwayEvents() {
                         gestureAt_ = std::chrono::steady_clock::now();
                         screenCapture_->standBack();
                         eventTap_->perform(*gesture);
+                        overlayPanel_->presentPending();
                     }
                 }
             } else if (event == SwayIpc::Event::window || event == SwayIpc::Event::workspace) {

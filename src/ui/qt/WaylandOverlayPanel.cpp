@@ -85,6 +85,13 @@ void WaylandOverlayPanel::rebuild() {
     }
 }
 
+void WaylandOverlayPanel::presentPending() {
+    if (pendingRebuild_.isActive()) {
+        pendingRebuild_.stop();
+        present();
+    }
+}
+
 void WaylandOverlayPanel::setFrame(const Rect& frame, bool display) {
     frame_ = frame;
     scroll_ = 0;

@@ -43,6 +43,9 @@ class WaylandOverlayPanel final : public OverlayPanelPort {
     bool isShown() const { return isConfigured_ && surface_ != nullptr; }
     // How many times the panel has gone up.
     std::uint64_t appearances() const { return appearances_; }
+    // Paints now what would be painted once the event is over: after a key, whose changes are
+    // all made by then.
+    void presentPending();
     // Called each time a new picture of the panel has gone to the compositor.
     void setPresentedHandler(std::function<void()> handler) { presented_ = std::move(handler); }
 
