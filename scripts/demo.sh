@@ -15,6 +15,16 @@ out="$root/build/demo"
 mkdir -p "$out"
 rm -f "$out"/*.png "$out"/*.log
 
+# Orvane in the background, once it says it has launched (ten seconds at most).
+start_orvane() {
+    "$program" >"$out/orvane.log" 2>&1 &
+    pids+=($!)
+    for attempt in $(seq 100); do
+        grep -q "launch complete" "$out/orvane.log" && break
+        sleep 0.1
+    done
+}
+
 if $sway; then
     # sway refuses root: as root it runs as an unprivileged user of its own.
     folder="$(mktemp -d /tmp/orvane-demo-sway-XXXXXX)"
@@ -60,12 +70,7 @@ def walk(node):
         walk(child)
 walk(json.load(sys.stdin))'
     }
-    "$program" >"$out/orvane.log" 2>&1 &
-    pids+=($!)
-    for attempt in $(seq 100); do
-        grep -q "launch complete" "$out/orvane.log" && break
-        sleep 0.1
-    done
+    start_orvane
     echo "Demo on a headless sway: the windows Mail, Notes and Terminal."
     echo "Orvane's log: $out/orvane.log"
     echo
@@ -126,12 +131,7 @@ active() {
     xprop -id "$id" WM_NAME 2>/dev/null | sed 's/.*= //'
 }
 
-"$program" >"$out/orvane.log" 2>&1 &
-pids+=($!)
-for attempt in $(seq 100); do
-    grep -q "launch complete" "$out/orvane.log" && break
-    sleep 0.1
-done
+start_orvane
 echo "Demo desktop on $DISPLAY: Openbox with the windows Mail, Notes and Terminal."
 echo "Orvane's log: $out/orvane.log"
 echo

@@ -162,10 +162,15 @@ void WaylandProgram::terminate() {
 void WaylandProgram::perform(ExternalGesture gesture) {
     if (shell_.isRunning() && eventTap_) {
         hasHadGesture_ = true;
-        screenCapture_->standBack();
-        eventTap_->perform(gesture);
-        overlayPanel_->presentPending();
+        play(gesture);
     }
+}
+
+void WaylandProgram::play(ExternalGesture gesture) {
+    gestureAt_ = std::chrono::steady_clock::now();
+    screenCapture_->standBack();
+    eventTap_->perform(gesture);
+    overlayPanel_->presentPending();
 }
 
 void WaylandProgram::learnFromSway(bool ordering) {
@@ -187,10 +192,7 @@ void WaylandProgram::readSwayEvents() {
             if (event == SwayIpc::Event::binding) {
                 if (const auto gesture = WaylandEventTap::gestureOfBinding(payload)) {
                     if (shell_.isRunning()) {
-                        gestureAt_ = std::chrono::steady_clock::now();
-                        screenCapture_->standBack();
-                        eventTap_->perform(*gesture);
-                        overlayPanel_->presentPending();
+                        play(*gesture);
                     }
                 }
             } else if (event == SwayIpc::Event::window || event == SwayIpc::Event::workspace) {

@@ -42,6 +42,8 @@ class WaylandProgram {
     // What sway's tree says now: with `ordering`, also the focus order from before.
     void learnFromSway(bool ordering);
     void readSwayEvents();
+    // A gesture's keys, from a binding or a command: the panel paints at once after them.
+    void play(ExternalGesture gesture);
 
     std::unique_ptr<WaylandConnection> connection_;
     std::unique_ptr<SwayIpc> swayCommands_;

@@ -33,17 +33,15 @@
 
 #include "DesktopSession.h"
 #include "LatencySample.h"
+#include "ProcessUsage.h"
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
 using orvane::testing::DesktopSession;
 
-double milliseconds(Clock::duration duration) {
-    return std::chrono::duration<double, std::milli>(duration).count();
-}
-
 using Sample = orvane::bench::LatencySample;
+using orvane::bench::milliseconds;
 
 class Probe {
   public:
@@ -224,35 +222,7 @@ Sample measureLauncher(DesktopSession& session, int trials) {
     return sample;
 }
 
-struct Usage {
-    double cpuSeconds = 0;
-    long wakeUps = 0;
-    double residentMegabytes = 0;
-};
-
-Usage usage(pid_t process) {
-    Usage result;
-    std::ifstream stat("/proc/" + std::to_string(process) + "/stat");
-    std::string line;
-    std::getline(stat, line);
-    std::istringstream fields(line.substr(line.rfind(')') + 2));
-    std::string field;
-    for (int index = 3; index <= 15 && fields >> field; ++index) {
-        if (index == 14 || index == 15) {
-            result.cpuSeconds += std::stod(field) / static_cast<double>(sysconf(_SC_CLK_TCK));
-        }
-    }
-    std::ifstream status("/proc/" + std::to_string(process) + "/status");
-    while (std::getline(status, line)) {
-        if (line.rfind("voluntary_ctxt_switches:", 0) == 0 ||
-            line.rfind("nonvoluntary_ctxt_switches:", 0) == 0) {
-            result.wakeUps += std::stol(line.substr(line.find(':') + 1));
-        } else if (line.rfind("VmRSS:", 0) == 0) {
-            result.residentMegabytes = std::stod(line.substr(line.find(':') + 1)) / 1024.0;
-        }
-    }
-    return result;
-}
+using Usage = orvane::bench::ProcessUsage;
 
 // Resident memory after 50 and after 1,000 quick gestures with previews, among the clients there
 // are now.
@@ -273,11 +243,11 @@ void measureMemory(DesktopSession& session) {
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
         if (gesture == 50) {
             std::this_thread::sleep_for(std::chrono::milliseconds(500));
-            after50 = usage(session.programProcess()).residentMegabytes;
+            after50 = Usage::of(session.programProcess()).residentMegabytes;
         }
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(500));
-    const double after1000 = usage(session.programProcess()).residentMegabytes;
+    const double after1000 = Usage::of(session.programProcess()).residentMegabytes;
     std::printf("Memory with previews: %.1f MB after 50 gestures, %.1f MB after 1,000 (%+.1f MB)\n",
                 after50, after1000, after1000 - after50);
     session.stopProgram();
@@ -363,9 +333,9 @@ int main(int argc, char** argv) {
     const auto program =
         session.spawn({ORVANE_PROGRAM_PATH, "--log-level", "error"}, session.folder() / "idle.log");
     std::this_thread::sleep_for(std::chrono::seconds(3));
-    const auto start = usage(program);
+    const auto start = Usage::of(program);
     std::this_thread::sleep_for(std::chrono::seconds(30));
-    const auto end = usage(program);
+    const auto end = Usage::of(program);
     std::printf("Idle for 30 s with %zu windows: %.2f s of CPU, %ld wake-ups\n", clients.size(),
                 end.cpuSeconds - start.cpuSeconds, end.wakeUps - start.wakeUps);
     pid_t stopped = program;

@@ -1,7 +1,9 @@
-// Times of one measure over a benchmark's trials, told as median and 90th percentile.
+// Times of one measure over a benchmark's trials, told as median and 90th percentile, and the
+// milliseconds of a duration.
 #pragma once
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -29,5 +31,9 @@ struct LatencySample {
         return sorted[sorted.size() / 2];
     }
 };
+
+inline double milliseconds(std::chrono::steady_clock::duration duration) {
+    return std::chrono::duration<double, std::milli>(duration).count();
+}
 
 }  // namespace orvane::bench

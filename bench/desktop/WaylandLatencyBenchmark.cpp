@@ -30,6 +30,7 @@
 
 #include "../../tests/common/ChildProcess.h"
 #include "LatencySample.h"
+#include "ProcessUsage.h"
 #include "SwaySession.h"
 #include "platform/wayland/WaylandConnection.h"
 #include "platform/wayland/WaylandWindowModel.h"
@@ -41,11 +42,8 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using orvane::testing::SwaySession;
 
-double milliseconds(Clock::duration duration) {
-    return std::chrono::duration<double, std::milli>(duration).count();
-}
-
 using Sample = orvane::bench::LatencySample;
+using orvane::bench::milliseconds;
 
 // Types the gestures, and watches the screen and the toplevels for what they did.
 class Probe {
@@ -362,36 +360,7 @@ Results measure(SwaySession& sway, int trials, bool switcher) {
     return results;
 }
 
-struct Usage {
-    double cpuSeconds = 0;
-    long wakeUps = 0;
-};
-
-Usage usage(pid_t process) {
-    Usage result;
-    std::ifstream stat("/proc/" + std::to_string(process) + "/stat");
-    std::string text((std::istreambuf_iterator<char>(stat)), std::istreambuf_iterator<char>());
-    const auto close = text.rfind(')');
-    if (close != std::string::npos) {
-        std::istringstream fields(text.substr(close + 2));
-        std::vector<std::string> values;
-        for (std::string value; fields >> value;) {
-            values.push_back(value);
-        }
-        if (values.size() > 12) {
-            result.cpuSeconds = (std::stod(values[11]) + std::stod(values[12])) /
-                                static_cast<double>(::sysconf(_SC_CLK_TCK));
-        }
-    }
-    std::ifstream status("/proc/" + std::to_string(process) + "/status");
-    for (std::string line; std::getline(status, line);) {
-        if (line.rfind("voluntary_ctxt_switches:", 0) == 0 ||
-            line.rfind("nonvoluntary_ctxt_switches:", 0) == 0) {
-            result.wakeUps += std::stol(line.substr(line.find(':') + 1));
-        }
-    }
-    return result;
-}
+using Usage = orvane::bench::ProcessUsage;
 
 }  // namespace
 
@@ -451,9 +420,9 @@ int main(int argc, char** argv) {
     // The previews' copies after start (one at once, one on change two seconds later) are over.
     std::this_thread::sleep_for(std::chrono::seconds(6));
     const auto program = sway.programProcess();
-    const auto start = usage(program);
+    const auto start = Usage::of(program);
     std::this_thread::sleep_for(std::chrono::seconds(30));
-    const auto end = usage(program);
+    const auto end = Usage::of(program);
     std::printf("Idle for 30 s with %zu windows: %.2f s of CPU, %ld wake-ups\n", clients.size(),
                 end.cpuSeconds - start.cpuSeconds, end.wakeUps - start.wakeUps);
     sway.stopProgram();

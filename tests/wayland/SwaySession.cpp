@@ -179,6 +179,11 @@ std::vector<std::string> SwaySession::titles() const {
     return tree().first;
 }
 
+std::string SwaySession::focusedTitleOnceIt(const std::string& title) const {
+    waitFor([&] { return focusedTitle() == title; }, std::chrono::seconds(3));
+    return focusedTitle().value_or("");
+}
+
 std::optional<std::string> SwaySession::focusedTitle() const {
     return tree().second;
 }

@@ -60,6 +60,8 @@ class SwaySession {
     std::string swaymsg(const std::vector<std::string>& arguments) const;
     // The title of the window sway has focused; nothing when none is.
     std::optional<std::string> focusedTitle() const;
+    // The focused window's title once it is `title`, else whatever it is after three seconds.
+    std::string focusedTitleOnceIt(const std::string& title) const;
     // Every title sway shows, in its tree's order.
     std::vector<std::string> titles() const;
     std::string log() const;

@@ -195,17 +195,20 @@ void WaylandScreenCapture::captureImage(const ContentFilter& filter,
 
 void WaylandScreenCapture::refresh() {
     // A copy waiting for a change gives way to one now.
-    std::erase_if(captures_,
-                  [](const auto& capture) { return capture->onChange && !capture->isFinished; });
+    forgetWaitingCopies();
     if (!isCapturing()) {
         capture(false);
     }
 }
 
 void WaylandScreenCapture::standBack() {
+    forgetWaitingCopies();
+    watchLater();
+}
+
+void WaylandScreenCapture::forgetWaitingCopies() {
     std::erase_if(captures_,
                   [](const auto& capture) { return capture->onChange && !capture->isFinished; });
-    watchLater();
 }
 
 bool WaylandScreenCapture::isCapturing() const {

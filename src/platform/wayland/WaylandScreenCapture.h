@@ -62,6 +62,8 @@ class WaylandScreenCapture final : public ScreenCapturePort,
 
     std::optional<ImageHandle> lastCapture(DesktopWindows::Handle window) const;
     Cover cover() const { return cover_ ? cover_() : Cover{}; }
+    // Drops the copies still waiting for the output to change.
+    void forgetWaitingCopies();
     // Whether a copy is asked for and not answered yet.
     bool isCapturing() const;
     // Copies every output: now, or once something on it changes.
